@@ -1,0 +1,163 @@
+// The simulated host: plays the compositing host for a Spark plug-in.
+//
+// The library defines every host function of the Spark interface (sparkMessage,
+// sparkMemGetBuffer, sparkMpFork, ...) and the OpenGL 1.x immediate-mode calls a
+// plug-in draws its overlays with, so that a plug-in loaded with dlopen resolves
+// them from this process exactly as it would inside the real host. Every call is
+// recorded with its arguments; the answers come from scriptable state. Plugin
+// loads a plug-in by path and finds its entry points and control records by name.
+//
+// Threads: host functions may be called from sparkMpFork workers; recording is
+// locked. Everything else is meant for one driving thread.
+#pragma once
+
+#include <spark.h>
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace simhost {
+
+// One recorded call: the function name and its arguments as text (numbers with
+// "%g" for floats and "%d" for integers, strings as they stand).
+struct Call {
+    std::string name;
+    std::vector<std::string> args;
+    std::string str() const;  // "name(a,b,c)"
+};
+
+// A host frame buffer: packed RGB rows, 3 bytes a pixel at depth 24, three
+// 16-bit words a pixel at depth 48 (the 12-bit value in the top 12 bits).
+struct FrameBuffer {
+    int width = 0;
+    int height = 0;
+    int depth = 24;
+    std::vector<unsigned long> storage;  // word-aligned backing store
+    unsigned char* bytes() { return reinterpret_cast<unsigned char*>(storage.data()); }
+    unsigned short* words() { return reinterpret_cast<unsigned short*>(storage.data()); }
+    size_t byteCount() const;
+    void resize(int w, int h, int d);  // zero-filled
+};
+
+class Plugin;
+
+class Host {
+public:
+    static Host& instance();
+    // Back to the defaults below; forgets recorded calls, buffers and keys.
+    void reset();
+
+    // ---- scriptable state ----
+    float apiVersion = 4.0f;
+    int freeBuffers = 8;  // sparkMemGetFreeMemory
+    int processors = 2;   // sparkMpFork runs this many workers
+    std::deque<int> confirmAnswers;  // sparkMessageConfirm pops from the front...
+    int confirmDefault = 1;          // ...and answers this when empty
+    std::string workingDir = "/tmp";
+    std::string fileBrowserChoice;  // handed to the browser's callback; empty: user cancels
+    float viewerRatio = 1.0f;       // sparkGetViewerRatio
+    float pixelAspect = 1.0f;       // SparkGraphInfoStruct.PixelAspectRatio
+    long graphicsMaxX = 1920, graphicsMaxY = 1200;
+    std::string programName = "simhost";
+    std::map<int, FrameBuffer> buffers;  // by id: 1 output, 2 first input clip
+    std::set<int> failingBufferIds;      // sparkMemGetBuffer fails for these ids
+    // sparkGetFrame(clip, frame, destination): fills destination; default leaves it alone.
+    std::function<void(int clip, int frame, unsigned long* destination)> frameSource;
+
+    // Animation curves. sparkGetCurveValuef(type, n, frame) answers, in order:
+    // curveFn when set; the keys of control n (linear between keys, held
+    // beyond the ends) when it has any; the Value of the loaded plug-in's
+    // SparkFloatN / SparkUserFloatN record; else 0.
+    std::function<float(int type, int control, float frame)> curveFn;
+    std::map<int, std::map<int, float>> curveKeys;  // control -> frame -> value (sparkSetCurveKey writes here)
+    float curveValue(int control, float frame) const;
+
+    // Set-ups: when true, sparkSaveSetup / sparkLoadSetup write and read real
+    // files (the given name) holding every control record value of the loaded
+    // plug-in and the curve keys; when false they are only recorded.
+    bool setupFiles = false;
+    std::string setupError;  // last set-up file error, empty when fine
+
+    Plugin* plugin = nullptr;  // the plug-in last loaded (set by Plugin::load)
+
+    // ---- recorded calls ----
+    void record(const std::string& name, std::vector<std::string> args);
+    std::vector<Call> calls() const;
+    std::vector<Call> callsNamed(const std::string& name) const;
+    int count(const std::string& name) const;
+    bool called(const std::string& callText) const;  // any call whose str() equals callText
+    void clearCalls();
+
+    // Worker index of the calling sparkMpFork worker (-1 outside a worker).
+    static int workerIndex();
+
+    // Make an information record for a frame of the given size and depth
+    // (FramePixels, FrameBytes, NumProcessors = processors, Context = 1, Mode = 1).
+    SparkInfoStruct makeInfo(int width, int height, int depth, unsigned frame = 1,
+                             const std::string& setupName = "") const;
+
+    // Fill buffer id with a frame of the given size and depth (zeroed).
+    FrameBuffer& setBuffer(int id, int width, int height, int depth);
+
+private:
+    Host() = default;
+    mutable std::mutex mutex_;
+    std::vector<Call> calls_;
+};
+
+// A plug-in loaded with dlopen (RTLD_NOW | RTLD_LOCAL).
+class Plugin {
+public:
+    Plugin() = default;
+    ~Plugin();  // dlclose
+    Plugin(const Plugin&) = delete;
+    Plugin& operator=(const Plugin&) = delete;
+
+    // Load the library at path. With fresh = true a private copy of the file is
+    // loaded, so that its static objects are constructed anew even when the same
+    // plug-in is already loaded in this process. False with a message on failure
+    // (not a file, not a shared library, no SparkInitialise entry point).
+    bool load(const std::string& path, std::string* error, bool fresh = false);
+    bool loaded() const { return handle_ != nullptr; }
+    void* symbol(const char* name) const;  // dlsym, null when absent
+    template <class T>
+    T* record(const std::string& name) const {
+        return static_cast<T*>(symbol(name.c_str()));
+    }
+
+    // Control records the plug-in exports, found by name: kind ("Float", "Pup",
+    // "Push", "Boolean", "UserFloat", "Int", "String", "Color") and number.
+    struct RecordRef {
+        std::string kind;
+        int number;
+        std::string symbol;  // e.g. "SparkFloat6"
+        void* address;
+    };
+    std::vector<RecordRef> records() const;  // every exported record, numbers 1..999
+
+    // Entry points; a missing optional entry point does nothing and returns 0 / null.
+    unsigned int initialise(const SparkInfoStruct& info);
+    void uninitialise(const SparkInfoStruct& info);
+    int clips();
+    int processStart(const SparkInfoStruct& info);
+    unsigned long* process(const SparkInfoStruct& info);
+    void memoryTempBuffers();
+    void channelEditor();
+    void overlay(const SparkInfoStruct& info, float zoom);
+    unsigned long* interact(const SparkInfoStruct& info, int sx, int sy, float pressure, float vx,
+                            float vy, float zoom);
+    // Call a record's callback as the host does when the user changes it.
+    unsigned long* callback(const std::string& recordSymbol, int arg, const SparkInfoStruct& info);
+
+private:
+    void* handle_ = nullptr;
+    std::string copyPath_;
+};
+
+}  // namespace simhost
