@@ -42,6 +42,7 @@ struct FrameBuffer {
     unsigned char* bytes() { return reinterpret_cast<unsigned char*>(storage.data()); }
     unsigned short* words() { return reinterpret_cast<unsigned short*>(storage.data()); }
     size_t byteCount() const;
+    int pixelBytes() const;  // 3 at depth 24, 6 at depth 48, whole bytes otherwise
     void resize(int w, int h, int d);  // zero-filled
 };
 
