@@ -1,0 +1,40 @@
+// ColourControlZel: a colour swatch, optionally with three percentage fields
+// for red, green and blue at number + 1, + 2, + 3. The plug-in works in 15-bit
+// channels (0..32767); the swatch's packed word holds 8-bit channels, red in
+// the lowest byte, then green, then blue, the top byte alpha (always written
+// as 255); a percentage field holds the 8-bit value / 2.55.
+#pragma once
+
+#include "ControlZel.h"
+
+class ColourControlZel : public ControlZel {
+public:
+    ColourControlZel() = default;
+
+    void Sync() override;
+    void Disable(bool disabled) override;
+    void Hide(bool hidden) override;
+    void ResetKeyframes() override {}   // the host owns the keys
+    void EnableKeyframes() override {}  // the host owns the keys
+
+    // Binds the swatch and, when all three are given, the channel fields.
+    using ControlZel::Bind;
+    void Bind(int number, SparkColorStruct* swatch, SparkFloatStruct* redField = nullptr,
+              SparkFloatStruct* greenField = nullptr, SparkFloatStruct* blueField = nullptr);
+    bool HasChannelFields() const { return second_ != nullptr; }
+
+    // Writes the swatch (and channel fields) straight away; the time and the
+    // alpha argument are ignored.
+    void SetValue(double time, unsigned short r, unsigned short g, unsigned short b,
+                  unsigned short a);
+    void GetValue(double time, unsigned short& r, unsigned short& g, unsigned short& b,
+                  unsigned short& a) const;
+
+    unsigned short red = 0;
+    unsigned short green = 0;
+    unsigned short blue = 0;
+    unsigned short alpha = 0;
+
+private:
+    unsigned long* word() const { return static_cast<unsigned long*>(primary_); }
+};

@@ -1,0 +1,28 @@
+// TextControlZel: a text field, read and written through the Value buffer of
+// its SparkStringStruct. The cached text pointer is set only by GetValue (it
+// then points at the host's buffer); Sync copies into it once it is set.
+#pragma once
+
+#include "ControlZel.h"
+
+class TextControlZel : public ControlZel {
+public:
+    TextControlZel() = default;
+
+    void Sync() override;
+    void Disable(bool disabled) override { disabled_ = disabled; }  // nothing to grey out
+    void Hide(bool hidden) override;
+
+    using ControlZel::Bind;
+    void Bind(int number, SparkStringStruct* record);
+
+    // Copies text into the host buffer (unless it is that buffer); time ignored.
+    void SetValue(double time, char* text);
+    // Hands out the host's buffer, which also becomes the cache.
+    void GetValue(double time, char*& out);
+
+    char* value = nullptr;
+
+private:
+    char* buffer() const { return static_cast<char*>(primary_); }
+};
