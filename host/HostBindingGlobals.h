@@ -1,0 +1,14 @@
+// State of the host binding, one copy per loaded plug-in. Flags are 0 or 1.
+// The host's buffer ids: 1 is the output frame, 2 the first input clip.
+#pragma once
+
+#include <spark.h>
+
+extern int deep12;        // 1: the host works at 12 bits per channel; 0: 8/10-bit
+extern int truncate8;     // handed to the 12-bit output conversion; nothing sets it
+extern int no_buffers;    // 1: too few host image buffers, every frame is refused
+extern int DL_Sync_Ctrl;  // 1: re-synchronise the controls before the next frame
+extern int SourceIDInput;
+extern int ResultIDOutput;
+extern SparkMemBufStruct SourceBufInput;
+extern SparkMemBufStruct ResultBufOutput;

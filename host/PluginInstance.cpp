@@ -1,0 +1,3 @@
+#include "PluginInstance.h"
+
+Straightlux Instance;
