@@ -64,4 +64,5 @@ public:
 
 private:
     void Construct(long width, long height, PixelZel* pixels, renderop_tag* op);
+    void RebuildRows();  // rows[y] := pixels + y * width
 };
