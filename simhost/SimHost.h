@@ -52,6 +52,7 @@ class Host {
 public:
     static Host& instance();
     // Back to the defaults below; forgets recorded calls, buffers and keys.
+    // The loaded plug-in stays (it belongs to its Plugin object).
     void reset();
 
     // ---- scriptable state ----
@@ -77,6 +78,7 @@ public:
     // SparkFloatN / SparkUserFloatN record; else 0.
     std::function<float(int type, int control, float frame)> curveFn;
     std::map<int, std::map<int, float>> curveKeys;  // control -> frame -> value (sparkSetCurveKey writes here)
+    // The answer without curveFn: keys, else the record's Value, else 0.
     float curveValue(int control, float frame) const;
 
     // Set-ups: when true, sparkSaveSetup / sparkLoadSetup write and read real
