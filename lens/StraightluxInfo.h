@@ -1,0 +1,46 @@
+// StraightluxInfo: the host-visible parts of the lens plug-in, its control
+// objects in the order of its setup page. The host binding binds each to its
+// host record at start-up and refreshes the cached values before every frame.
+// Positions are fractions of the frame; list values are 1-based entry numbers.
+#pragma once
+
+#include "ButtonControlZel.h"
+#include "FloatControlZel.h"
+#include "ListControlZel.h"
+#include "PositionControlZel.h"
+
+// "Sampling" entries: the resampler's modes 1..5.
+enum StraightluxSampling { kSamplingNearest = 1, kSamplingLinear, kSamplingCubic, kSamplingSharpCubic, kSamplingBSpline };
+// "LineEdit" entries.
+enum StraightluxLineEdit {
+    kLineEditNoAction = 1,
+    kLineEditAddLine,
+    kLineEditDeleteLine,
+    kLineEditMovePoint,
+    kLineEditDeletePoint,
+    kLineEditInsertPoint
+};
+// "Mode" entries.
+enum StraightluxMode { kModeRemove = 1, kModeAdd, kModeAutoRemove };
+// "View" entries.
+enum StraightluxView { kViewResult = 1, kViewInput };
+
+struct StraightluxInfo {
+    // The centre crosshair and the line pen overlay widgets belong here, before
+    // the controls; they arrive with the viewer overlays.
+
+    FloatControlZel radial1;     // "Radial1", control 6
+    FloatControlZel radial2;     // "Radial2", control 7
+    FloatControlZel xCurvature;  // "XCurvature", control 8
+    FloatControlZel yCurvature;  // "YCurvature", control 9
+    PositionControlZel centre;   // "Centre X" / "Centre Y", controls 13 and 14
+    FloatControlZel squeeze;     // "Squeeze", control 16
+    ListControlZel sampling;     // "Sampling", control 17
+    FloatControlZel magnify;     // "Magnify", control 18
+    ListControlZel lineEdit;     // "LineEdit", control 20
+    ButtonControlZel killLines;  // "KillLines", control 21
+    ButtonControlZel autoFind;   // "AutoFind", control 22
+    ListControlZel mode;         // "Mode", control 23
+    ListControlZel view;         // "View", control 24
+    ButtonControlZel reset;      // "Reset", control 27 (calls ResetCB)
+};
