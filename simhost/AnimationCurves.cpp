@@ -3,12 +3,12 @@
 // A channel's value at a frame comes from a scripted function, else from its
 // keys (straight lines between keys, the end values held beyond them), else
 // from the current Value of the plug-in's float record of that number.
+#include <cmath>
+#include <iterator>
+
 #include "CallText.h"
 #include "ControlRecords.h"
 #include "SimHost.h"
-
-#include <cmath>
-#include <iterator>
 
 using simhost::argText;
 using simhost::Host;

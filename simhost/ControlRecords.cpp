@@ -10,7 +10,7 @@ const char kSymbolPrefix[] = "Spark";
 }
 
 const std::vector<std::string>& recordKinds() {
-    static const std::vector<std::string> kinds = {"Float", "Pup",    "Push",  "Boolean",
+    static const std::vector<std::string> kinds = {"Float",     "Pup", "Push",   "Boolean",
                                                    "UserFloat", "Int", "String", "Color"};
     return kinds;
 }

@@ -1,7 +1,4 @@
 // Loading a plug-in with dlopen and calling its entry points and callbacks.
-#include "ControlRecords.h"
-#include "SimHost.h"
-
 #include <dlfcn.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,6 +8,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+
+#include "ControlRecords.h"
+#include "SimHost.h"
 
 namespace simhost {
 
@@ -112,7 +112,8 @@ std::vector<Plugin::RecordRef> Plugin::records() const {
     for (int number = 1; number <= kMaxRecordNumber; ++number) {
         for (const std::string& kind : recordKinds()) {
             const std::string name = recordSymbol(kind, number);
-            if (void* address = symbol(name.c_str())) found.push_back({kind, number, name, address});
+            if (void* address = symbol(name.c_str()))
+                found.push_back({kind, number, name, address});
         }
     }
     return found;

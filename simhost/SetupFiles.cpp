@@ -7,10 +7,6 @@
 // significant digits so that they read back bit for bit; string values escape
 // backslash and newline. A load reads the whole file before it changes
 // anything, so a missing or malformed file leaves every value as it was.
-#include "CallText.h"
-#include "ControlRecords.h"
-#include "SimHost.h"
-
 #include <unistd.h>
 
 #include <cerrno>
@@ -19,6 +15,10 @@
 #include <cstring>
 #include <fstream>
 #include <sstream>
+
+#include "CallText.h"
+#include "ControlRecords.h"
+#include "SimHost.h"
 
 using simhost::argText;
 using simhost::Host;
@@ -33,16 +33,19 @@ const int kFloatDigits = 9;  // enough for a float to read back unchanged
 struct Entry {
     std::string kind;
     int number = 0;
-    int frame = 0;          // keys only
-    std::string value;      // as written
+    int frame = 0;      // keys only
+    std::string value;  // as written
 };
 
 std::string escape(const char* text, size_t limit) {
     std::string out;
     for (size_t i = 0; i < limit && text[i]; ++i) {
-        if (text[i] == '\\') out += "\\\\";
-        else if (text[i] == '\n') out += "\\n";
-        else out += text[i];
+        if (text[i] == '\\')
+            out += "\\\\";
+        else if (text[i] == '\n')
+            out += "\\n";
+        else
+            out += text[i];
     }
     return out;
 }
@@ -72,7 +75,8 @@ std::string valueText(const std::string& kind, void* address) {
     if (kind == "UserFloat") return floatText(static_cast<SparkUserFloatStruct*>(address)->Value);
     if (kind == "Int") return std::to_string(static_cast<SparkIntStruct*>(address)->Value);
     if (kind == "Pup") return std::to_string(static_cast<SparkPupStruct*>(address)->Value);
-    if (kind == "Boolean") return std::to_string(int{static_cast<SparkBooleanStruct*>(address)->Value});
+    if (kind == "Boolean")
+        return std::to_string(int{static_cast<SparkBooleanStruct*>(address)->Value});
     if (kind == "Color") return std::to_string(static_cast<SparkColorStruct*>(address)->Color);
     if (kind == "String") {
         const auto* record = static_cast<SparkStringStruct*>(address);
@@ -87,9 +91,12 @@ bool validValue(const std::string& kind, const std::string& text) {
     if (text.empty()) return false;
     char* end = nullptr;
     errno = 0;
-    if (kind == "Float" || kind == "UserFloat" || kind == kKeyKind) std::strtof(text.c_str(), &end);
-    else if (kind == "Color") std::strtoul(text.c_str(), &end, 10);
-    else std::strtol(text.c_str(), &end, 10);
+    if (kind == "Float" || kind == "UserFloat" || kind == kKeyKind)
+        std::strtof(text.c_str(), &end);
+    else if (kind == "Color")
+        std::strtoul(text.c_str(), &end, 10);
+    else
+        std::strtol(text.c_str(), &end, 10);
     return errno == 0 && end && *end == '\0';
 }
 
@@ -103,7 +110,8 @@ void applyValue(const std::string& kind, void* address, const std::string& text)
     } else if (kind == "Pup") {
         static_cast<SparkPupStruct*>(address)->Value = std::atoi(text.c_str());
     } else if (kind == "Boolean") {
-        static_cast<SparkBooleanStruct*>(address)->Value = static_cast<char>(std::atoi(text.c_str()));
+        static_cast<SparkBooleanStruct*>(address)->Value =
+            static_cast<char>(std::atoi(text.c_str()));
     } else if (kind == "Color") {
         static_cast<SparkColorStruct*>(address)->Color = std::strtoul(text.c_str(), nullptr, 10);
     } else if (kind == "String") {

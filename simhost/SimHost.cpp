@@ -1,11 +1,11 @@
 // The host's state, the recorded call list and the frame helpers.
 #include "SimHost.h"
 
-#include "CallText.h"
-
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+
+#include "CallText.h"
 
 namespace simhost {
 

@@ -42,14 +42,14 @@ struct FrameBuffer {
     unsigned char* bytes() { return reinterpret_cast<unsigned char*>(storage.data()); }
     unsigned short* words() { return reinterpret_cast<unsigned short*>(storage.data()); }
     size_t byteCount() const;
-    int pixelBytes() const;  // 3 at depth 24, 6 at depth 48, whole bytes otherwise
+    int pixelBytes() const;            // 3 at depth 24, 6 at depth 48, whole bytes otherwise
     void resize(int w, int h, int d);  // zero-filled
 };
 
 class Plugin;
 
 class Host {
-public:
+  public:
     static Host& instance();
     // Back to the defaults below; forgets recorded calls, buffers and keys.
     // The loaded plug-in stays (it belongs to its Plugin object).
@@ -57,8 +57,8 @@ public:
 
     // ---- scriptable state ----
     float apiVersion = 4.0f;
-    int freeBuffers = 8;  // sparkMemGetFreeMemory
-    int processors = 2;   // sparkMpFork runs this many workers
+    int freeBuffers = 8;             // sparkMemGetFreeMemory
+    int processors = 2;              // sparkMpFork runs this many workers
     std::deque<int> confirmAnswers;  // sparkMessageConfirm pops from the front...
     int confirmDefault = 1;          // ...and answers this when empty
     std::string workingDir = "/tmp";
@@ -77,7 +77,8 @@ public:
     // beyond the ends) when it has any; the Value of the loaded plug-in's
     // SparkFloatN / SparkUserFloatN record; else 0.
     std::function<float(int type, int control, float frame)> curveFn;
-    std::map<int, std::map<int, float>> curveKeys;  // control -> frame -> value (sparkSetCurveKey writes here)
+    // control -> frame -> value (sparkSetCurveKey writes here)
+    std::map<int, std::map<int, float>> curveKeys;
     // The answer without curveFn: keys, else the record's Value, else 0.
     float curveValue(int control, float frame) const;
 
@@ -108,7 +109,7 @@ public:
     // Fill buffer id with a frame of the given size and depth (zeroed).
     FrameBuffer& setBuffer(int id, int width, int height, int depth);
 
-private:
+  private:
     Host() = default;
     mutable std::mutex mutex_;
     std::vector<Call> calls_;
@@ -116,7 +117,7 @@ private:
 
 // A plug-in loaded with dlopen (RTLD_NOW | RTLD_LOCAL).
 class Plugin {
-public:
+  public:
     Plugin() = default;
     ~Plugin();  // dlclose
     Plugin(const Plugin&) = delete;
@@ -158,7 +159,7 @@ public:
     // Call a record's callback as the host does when the user changes it.
     unsigned long* callback(const std::string& recordSymbol, int arg, const SparkInfoStruct& info);
 
-private:
+  private:
     void* handle_ = nullptr;
     std::string copyPath_;
 };

@@ -2,12 +2,12 @@
 // buffers and frames, the viewer, files and version queries. Each records its
 // call and answers from the host's scriptable state. Multi-processing, curves
 // and set-ups live in their own files.
-#include "CallText.h"
-#include "SimHost.h"
-
 #include <cstdio>
 #include <cstring>
 #include <vector>
+
+#include "CallText.h"
+#include "SimHost.h"
 
 using simhost::argText;
 using simhost::Host;
@@ -67,7 +67,9 @@ int sparkSetControlName(int type, int controlNo, char* name) {
     return 1;
 }
 
-void sparkControlUpdate(int controlNo) { host().record("sparkControlUpdate", {argText(controlNo)}); }
+void sparkControlUpdate(int controlNo) {
+    host().record("sparkControlUpdate", {argText(controlNo)});
+}
 
 void sparkEnableParameter(int type, int controlNo) {
     host().record("sparkEnableParameter", {argText(type), argText(controlNo)});

@@ -3,14 +3,14 @@
 //
 // Shares are kShareLength pixels each in processor order, so a worker's
 // offset / length is its index.
-#include "CallText.h"
-#include "SimHost.h"
-
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <thread>
 #include <vector>
+
+#include "CallText.h"
+#include "SimHost.h"
 
 using simhost::argText;
 using simhost::Host;
@@ -36,15 +36,33 @@ void callWithArgs(void (*fn)(), const Args& a) {
     using F7 = void (*)(void*, void*, void*, void*, void*, void*, void*);
     using F8 = void (*)(void*, void*, void*, void*, void*, void*, void*, void*);
     switch (a.size()) {
-        case 0: reinterpret_cast<F0>(fn)(); break;
-        case 1: reinterpret_cast<F1>(fn)(a[0]); break;
-        case 2: reinterpret_cast<F2>(fn)(a[0], a[1]); break;
-        case 3: reinterpret_cast<F3>(fn)(a[0], a[1], a[2]); break;
-        case 4: reinterpret_cast<F4>(fn)(a[0], a[1], a[2], a[3]); break;
-        case 5: reinterpret_cast<F5>(fn)(a[0], a[1], a[2], a[3], a[4]); break;
-        case 6: reinterpret_cast<F6>(fn)(a[0], a[1], a[2], a[3], a[4], a[5]); break;
-        case 7: reinterpret_cast<F7>(fn)(a[0], a[1], a[2], a[3], a[4], a[5], a[6]); break;
-        default: reinterpret_cast<F8>(fn)(a[0], a[1], a[2], a[3], a[4], a[5], a[6], a[7]); break;
+        case 0:
+            reinterpret_cast<F0>(fn)();
+            break;
+        case 1:
+            reinterpret_cast<F1>(fn)(a[0]);
+            break;
+        case 2:
+            reinterpret_cast<F2>(fn)(a[0], a[1]);
+            break;
+        case 3:
+            reinterpret_cast<F3>(fn)(a[0], a[1], a[2]);
+            break;
+        case 4:
+            reinterpret_cast<F4>(fn)(a[0], a[1], a[2], a[3]);
+            break;
+        case 5:
+            reinterpret_cast<F5>(fn)(a[0], a[1], a[2], a[3], a[4]);
+            break;
+        case 6:
+            reinterpret_cast<F6>(fn)(a[0], a[1], a[2], a[3], a[4], a[5]);
+            break;
+        case 7:
+            reinterpret_cast<F7>(fn)(a[0], a[1], a[2], a[3], a[4], a[5], a[6]);
+            break;
+        default:
+            reinterpret_cast<F8>(fn)(a[0], a[1], a[2], a[3], a[4], a[5], a[6], a[7]);
+            break;
     }
 }
 }  // namespace

@@ -24,8 +24,8 @@ char hello[] = "module loaded";
 
 extern "C" {
 
-MODULE_EXPORT SparkFloatStruct SparkFloat6 = {0.5f, -1.0f, 3.0f, 0.001f, 0, radialTitle,
-                                              floatChanged};
+MODULE_EXPORT SparkFloatStruct SparkFloat6 = {0.5f, -1.0f,       3.0f,        0.001f,
+                                              0,    radialTitle, floatChanged};
 MODULE_EXPORT SparkPupStruct SparkPup17 = {1, 3, nullptr, {entryA, entryB, entryC}};
 
 #ifndef SIMHOST_NO_INITIALISE

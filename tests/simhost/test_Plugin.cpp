@@ -1,13 +1,12 @@
 // Loading a plug-in, finding its records and saving and loading its set-up.
-#include "SimHost.h"
-
 #include <gtest/gtest.h>
-
 #include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
 #include <string>
+
+#include "SimHost.h"
 
 using simhost::Host;
 using simhost::Plugin;

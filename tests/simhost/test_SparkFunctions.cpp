@@ -1,10 +1,10 @@
 // Host functions answer from the scripted state and land in the call record.
-#include "SimHost.h"
-
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <string>
+
+#include "SimHost.h"
 
 extern "C" void glVertex2f(float x, float y);
 extern "C" void glColor4us(unsigned short r, unsigned short g, unsigned short b, unsigned short a);
@@ -150,7 +150,7 @@ TEST(SimHostFunctions, CurvesInterpolateKeysAndHoldTheEnds) {
     EXPECT_FLOAT_EQ(sparkGetCurveValuef(0, 93, 12.5f), 1.5f);
     EXPECT_FLOAT_EQ(sparkGetCurveValuef(0, 93, 25.0f), 1.0f);
     EXPECT_FLOAT_EQ(sparkGetCurveValuef(0, 93, 20.0f), 3.0f);
-    EXPECT_FLOAT_EQ(sparkGetCurveValuef(0, 93, -4.0f), 1.0f);  // held before the first key
+    EXPECT_FLOAT_EQ(sparkGetCurveValuef(0, 93, -4.0f), 1.0f);   // held before the first key
     EXPECT_FLOAT_EQ(sparkGetCurveValuef(0, 93, 99.0f), -1.0f);  // held after the last key
     EXPECT_TRUE(host.called("sparkGetCurveValuef(0,93,12.5)"));
 

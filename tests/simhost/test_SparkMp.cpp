@@ -1,6 +1,4 @@
 // sparkMpFork runs one worker per processor on its own thread.
-#include "SimHost.h"
-
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -8,6 +6,8 @@
 #include <set>
 #include <thread>
 #include <vector>
+
+#include "SimHost.h"
 
 using simhost::Host;
 
