@@ -1,0 +1,76 @@
+// The lens model: two radial coefficients, two curvatures, an anamorphic
+// squeeze and a centre, mapping undistorted frame positions to distorted ones
+// and back. Points are in pixels (column i, row j is the point (i, j), no
+// half-pixel offset); internally they are normalised by R, half the frame
+// diagonal divided by `normScale`, about the centre. The inverse is Newton's
+// method seeded by a closed-form series reversion. The plug-in class derives
+// from this and loads the fields from its controls.
+#pragma once
+
+#include <cstdint>
+
+#include "tagDPT.h"
+
+class StraightluxModel {
+  public:
+    // Results of MapDistortedToUndistorted below 0 (0…49 count the corrections).
+    static constexpr int32_t kInverseSingular = -1;
+    static constexpr int32_t kInverseNotConverged = -2;
+    static constexpr int32_t kMaxCorrections = 50;
+    // Newton stops when both components of a correction are below this, in normalised units.
+    static constexpr double kConvergenceTolerance = 1e-6;
+    // A Jacobian whose determinant is below this in magnitude counts as singular.
+    static constexpr double kSingularDeterminant = 1e-10;
+
+    // The forward formula's constants in single precision, computed once per
+    // address map so that the per-pixel loop only evaluates the polynomial.
+    struct FloatCoefficients {
+        float R, inverseR, centreX, centreY, k1, k2, A, a, b, B;
+    };
+
+    void MapUndistortedToDistorted(tagDPT2 in, tagDPT2& out) const;
+    // 0…49 on success; kInverseSingular leaves `out` untouched; kInverseNotConverged
+    // writes the last iterate. Adds the corrections made to iterationTotal.
+    int32_t MapDistortedToUndistorted(tagDPT2 in, tagDPT2& out);
+    // Seed of the inverse at the normalised point (u, v), in normalised units.
+    void FindInitialPxPy(double u, double v, double& pu, double& pv) const;
+    // Inverse of the forward Jacobian at the normalised point; false (nothing written) if singular.
+    bool FindInverseDerivativesMatrix(double& pu, double& pv, double& i00, double& i01, double& i10,
+                                      double& i11) const;
+
+    FloatCoefficients MakeFloatCoefficients() const;
+    // The same formula as MapUndistortedToDistorted, evaluated in single precision.
+    static void MapUndistortedToDistortedFloat(const FloatCoefficients& c, float x, float y,
+                                               float& outX, float& outY) {
+        const float u = (x - c.centreX) * c.inverseR;
+        const float v = (y - c.centreY) * c.inverseR;
+        const float u2 = u * u;
+        const float v2 = v * v;
+        const float r2 = u2 + v2;
+        const float r4 = r2 * r2;
+        outX = (u + (c.k1 * u2 + c.A * v2 + c.k2 * r4) * u) * c.R + c.centreX;
+        outY = (v + (c.a * u2 + c.B * v2 + c.b * r4) * v) * c.R + c.centreY;
+    }
+
+    int32_t width = 0;  // frame size in pixels
+    int32_t height = 0;
+    float centreX = 0.0f;  // distortion centre in pixels
+    float centreY = 0.0f;
+    float normScale = 1.0f;       // divides the frame size in R
+    float squeeze = 1.0f;         // divides the vertical coefficients only
+    float radial1 = 0.0f;         // k1, third-order term
+    float radial2 = 0.0f;         // k2, fifth-order term
+    float xCurvature = 0.0f;      // extra weight of v² in the horizontal displacement
+    float yCurvature = 0.0f;      // extra weight of v² in the vertical displacement
+    double iterationTotal = 0.0;  // running sum of Newton corrections
+
+  private:
+    // Derived coefficients; b alone is held in single precision.
+    struct Coefficients {
+        double k1, k2, A, a, B;
+        float b;
+    };
+
+    double NormalisingRadius() const;
+    Coefficients DeriveCoefficients() const;
+};
