@@ -1,0 +1,28 @@
+// FilePixels: a picture as read from (or written to) an image file, reduced
+// to what a host frame carries: red, green, blue, interleaved, rows top to
+// bottom without padding. Integer files are held as 16-bit samples
+// (0..65535, an 8-bit file's v as v * 257); floating files as floats where
+// 0.0 is black and 1.0 full scale (values outside are kept; conversions clamp).
+// bitsPerSample records the file's own depth so the host depth can follow it;
+// pixelAspect is the file's pixel aspect ratio (1 when it states none).
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+const int kRgbChannels = 3;
+
+struct FilePixels {
+    int width = 0;
+    int height = 0;
+    bool isFloat = false;
+    int bitsPerSample = 8;
+    float pixelAspect = 1.0f;
+    std::vector<uint16_t> words;  // 3 per pixel when !isFloat
+    std::vector<float> reals;     // 3 per pixel when isFloat
+
+    size_t sampleCount() const {
+        return static_cast<size_t>(width) * static_cast<size_t>(height) * kRgbChannels;
+    }
+};

@@ -1,0 +1,132 @@
+// Frame-sequence file names.
+#include "FramePattern.h"
+
+#include <dirent.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+const int kMaxPadding = 10;  // an unsigned frame number has at most 10 digits
+const unsigned kMaxFrameCount = 1000000;
+
+bool allDigits(const std::string& text) {
+    return !text.empty() &&
+           std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c); });
+}
+
+bool parseFrame(const std::string& text, unsigned* frame) {
+    if (!allDigits(text) || text.size() > static_cast<size_t>(kMaxPadding)) return false;
+    errno = 0;
+    const unsigned long value = std::strtoul(text.c_str(), nullptr, 10);
+    if (errno || value > UINT_MAX) return false;
+    *frame = static_cast<unsigned>(value);
+    return true;
+}
+}  // namespace
+
+bool FramePattern::parse(const std::string& name, FramePattern* pattern, std::string* error) {
+    const size_t slash = name.rfind('/');
+    const size_t start = slash == std::string::npos ? 0 : slash + 1;
+    FramePattern found;
+    found.prefix_ = name;
+    int marks = 0;
+    for (size_t i = start; i < name.size(); ++i) {
+        size_t end = i;
+        int padding = 0;
+        if (name[i] == '#') {
+            while (end < name.size() && name[end] == '#') ++end;
+            padding = static_cast<int>(end - i);
+        } else if (name[i] == '%') {
+            end = i + 1;
+            while (end < name.size() && std::isdigit(static_cast<unsigned char>(name[end]))) ++end;
+            if (end >= name.size() || name[end] != 'd') continue;  // a literal '%'
+            const std::string width = name.substr(i + 1, end - i - 1);
+            if (!width.empty() && width[0] != '0') {
+                *error = "bad frame field in " + name + ": use %d, %0Nd or a run of #";
+                return false;
+            }
+            padding = width.empty() ? 0 : std::atoi(width.c_str());
+            ++end;
+        } else {
+            continue;
+        }
+        if (padding > kMaxPadding) {
+            *error = "frame padding above " + std::to_string(kMaxPadding) + " in " + name;
+            return false;
+        }
+        if (++marks > 1) {
+            *error = "more than one frame number mark in " + name;
+            return false;
+        }
+        found.prefix_ = name.substr(0, i);
+        found.suffix_ = name.substr(end);
+        found.padding_ = padding;
+        found.marked_ = true;
+        i = end - 1;
+    }
+    *pattern = found;
+    return true;
+}
+
+std::string FramePattern::fileFor(unsigned frame) const {
+    if (!marked_) return prefix_;
+    char digits[32];
+    std::snprintf(digits, sizeof digits, "%0*u", padding_, frame);
+    return prefix_ + digits + suffix_;
+}
+
+std::vector<unsigned> FramePattern::existingFrames() const {
+    std::vector<unsigned> frames;
+    if (!marked_) return frames;
+    const size_t slash = prefix_.rfind('/');
+    const std::string folder =
+        slash == std::string::npos ? "." : (slash == 0 ? "/" : prefix_.substr(0, slash));
+    const std::string head = slash == std::string::npos ? prefix_ : prefix_.substr(slash + 1);
+    DIR* dir = opendir(folder.c_str());
+    if (!dir) return frames;
+    while (const dirent* entry = readdir(dir)) {
+        const std::string name = entry->d_name;
+        if (name.size() <= head.size() + suffix_.size()) continue;
+        if (name.compare(0, head.size(), head) != 0) continue;
+        if (name.compare(name.size() - suffix_.size(), suffix_.size(), suffix_) != 0) continue;
+        const std::string digits =
+            name.substr(head.size(), name.size() - head.size() - suffix_.size());
+        unsigned frame = 0;
+        // The name must be exactly what fileFor would make for that frame.
+        if (parseFrame(digits, &frame) && fileFor(frame) == prefix_ + digits + suffix_)
+            frames.push_back(frame);
+    }
+    closedir(dir);
+    std::sort(frames.begin(), frames.end());
+    return frames;
+}
+
+bool parseFrameRange(const std::string& text, std::vector<unsigned>* frames, std::string* error) {
+    const size_t dash = text.find('-');
+    unsigned first = 0;
+    unsigned last = 0;
+    bool fine = dash == std::string::npos
+                    ? parseFrame(text, &first) && (last = first, true)
+                    : parseFrame(text.substr(0, dash), &first) &&
+                          parseFrame(text.substr(dash + 1), &last);
+    if (!fine || first > last) {
+        *error = "bad frame range \"" + text + "\": use A-B with 0 <= A <= B, or one frame";
+        return false;
+    }
+    if (last - first >= kMaxFrameCount) {
+        *error = "frame range \"" + text + "\" holds more than " +
+                 std::to_string(kMaxFrameCount) + " frames";
+        return false;
+    }
+    frames->clear();
+    for (unsigned frame = first;; ++frame) {
+        frames->push_back(frame);
+        if (frame == last) break;
+    }
+    return true;
+}

@@ -1,0 +1,33 @@
+// FramePattern: numbered file names of a frame sequence.
+//
+// A pattern marks the frame number in the file name (not the folder) with a
+// run of '#' (their count is the zero padding: shot.####.dpx gives
+// shot.0007.dpx) or with a printf field %d / %0Nd. A name without a mark is a
+// single file that stands for every frame. Frame numbers are the host's
+// (unsigned, usually from 1).
+#pragma once
+
+#include <string>
+#include <vector>
+
+class FramePattern {
+public:
+    // Parses name; a name with two marks, or a malformed % field, is refused.
+    static bool parse(const std::string& name, FramePattern* pattern, std::string* error);
+
+    bool isSequence() const { return marked_; }
+    std::string text() const { return prefix_ + (marked_ ? "#" : "") + suffix_; }
+    // The file name of a frame (the name itself when not a sequence).
+    std::string fileFor(unsigned frame) const;
+    // Frame numbers of the files in the folder that match, ascending.
+    std::vector<unsigned> existingFrames() const;
+
+private:
+    std::string prefix_;  // folder and name before the mark, or the whole name
+    std::string suffix_;
+    int padding_ = 0;
+    bool marked_ = false;
+};
+
+// Parses "A-B" (A <= B) or "A" into the frames A..B.
+bool parseFrameRange(const std::string& text, std::vector<unsigned>* frames, std::string* error);

@@ -1,0 +1,96 @@
+// Conversion between file pixels and host frame buffers.
+#include "HostPixels.h"
+
+#include <cmath>
+#include <cstring>
+
+namespace {
+const int kBytesPerPixel8 = 3;
+const int kBytesPerPixel12 = 6;
+
+float unitClamped(float f) {
+    if (std::isnan(f) || f < 0.0f) return 0.0f;
+    return f > 1.0f ? 1.0f : f;
+}
+
+// The host's 16-bit words are native (little-endian) unsigned shorts.
+uint16_t loadWord(const unsigned char* p) {
+    uint16_t word;
+    std::memcpy(&word, p, sizeof word);
+    return word;
+}
+
+void storeWord(unsigned char* p, uint16_t word) { std::memcpy(p, &word, sizeof word); }
+}  // namespace
+
+int twelveFromSixteen(int v) { return (v * kFull12 + kFull16 / 2) / kFull16; }
+int sixteenFromTwelve(int v) { return (v * kFull16 + kFull12 / 2) / kFull12; }
+int eightFromSixteen(int v) { return (v * kFull8 + kFull16 / 2) / kFull16; }
+int sixteenFromEight(int v) { return v * (kFull16 / kFull8); }
+int eightFromTwelve(int v) { return (v * kFull8 + kFull12 / 2) / kFull12; }
+int twelveFromFloat(float f) { return static_cast<int>(unitClamped(f) * kFull12 + 0.5f); }
+float floatFromTwelve(int v) { return static_cast<float>(v) / kFull12; }
+int eightFromFloat(float f) { return static_cast<int>(unitClamped(f) * kFull8 + 0.5f); }
+float floatFromEight(int v) { return static_cast<float>(v) / kFull8; }
+
+size_t hostFrameBytes(int width, int height, int depth) {
+    const size_t pixels = static_cast<size_t>(width) * static_cast<size_t>(height);
+    return pixels * (depth == kHostDepth12 ? kBytesPerPixel12 : kBytesPerPixel8);
+}
+
+void fillHostFrame(const FilePixels& picture, int depth, unsigned char* buffer) {
+    const size_t samples = picture.sampleCount();
+    if (depth == kHostDepth12) {
+        for (size_t i = 0; i < samples; ++i) {
+            const int v = picture.isFloat ? twelveFromFloat(picture.reals[i])
+                                          : twelveFromSixteen(picture.words[i]);
+            storeWord(buffer + 2 * i, static_cast<uint16_t>(v << kTwelveBitShift));
+        }
+    } else {
+        for (size_t i = 0; i < samples; ++i) {
+            const int v = picture.isFloat ? eightFromFloat(picture.reals[i])
+                                          : eightFromSixteen(picture.words[i]);
+            buffer[i] = static_cast<unsigned char>(v);
+        }
+    }
+}
+
+const void* RgbSamples::data() const {
+    switch (type) {
+        case SampleType::Eight: return eights.data();
+        case SampleType::Sixteen: return sixteens.data();
+        case SampleType::Float: return floats.data();
+    }
+    return nullptr;
+}
+
+RgbSamples readHostFrame(const unsigned char* buffer, int width, int height, int depth,
+                         SampleType type) {
+    RgbSamples result;
+    result.type = type;
+    const size_t samples =
+        static_cast<size_t>(width) * static_cast<size_t>(height) * kRgbChannels;
+    const bool deep = depth == kHostDepth12;
+    switch (type) {
+        case SampleType::Eight: result.eights.resize(samples); break;
+        case SampleType::Sixteen: result.sixteens.resize(samples); break;
+        case SampleType::Float: result.floats.resize(samples); break;
+    }
+    for (size_t i = 0; i < samples; ++i) {
+        // The low 4 bits of a 12-bit word carry no picture value.
+        const int v = deep ? loadWord(buffer + 2 * i) >> kTwelveBitShift : buffer[i];
+        switch (type) {
+            case SampleType::Eight:
+                result.eights[i] = static_cast<uint8_t>(deep ? eightFromTwelve(v) : v);
+                break;
+            case SampleType::Sixteen:
+                result.sixteens[i] =
+                    static_cast<uint16_t>(deep ? sixteenFromTwelve(v) : sixteenFromEight(v));
+                break;
+            case SampleType::Float:
+                result.floats[i] = deep ? floatFromTwelve(v) : floatFromEight(v);
+                break;
+        }
+    }
+    return result;
+}

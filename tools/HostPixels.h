@@ -1,0 +1,61 @@
+// HostPixels: conversion between file pixels and the host's frame buffers,
+// done the way a host does it.
+//
+// Host buffers are packed RGB rows without padding: depth 24 holds one byte
+// (0..255) per channel, depth 48 one 16-bit word per channel with the 12-bit
+// value (0..4095) in the top 12 bits and the low 4 bits 0. Each mapping rounds
+// to the nearest level, halves upward:
+//   16-bit v -> 12-bit  (v * 4095 + 32767) / 65535
+//   12-bit v -> 16-bit  (v * 65535 + 2047) / 4095
+//   16-bit v -> 8-bit   (v * 255 + 32767) / 65535     (an 8-bit file's v * 257 gives v back)
+//   8-bit v  -> 16-bit  v * 257
+//   12-bit v -> 8-bit   (v * 255 + 2047) / 4095
+//   float f  -> 12-bit  (int)(clamp(f, 0, 1) * 4095 + 0.5), NaN as 0
+//   float f  -> 8-bit   (int)(clamp(f, 0, 1) * 255 + 0.5), NaN as 0
+//   12-bit v -> float   v / 4095;  8-bit v -> float  v / 255
+// A 16-bit file therefore comes back within half a 12-bit step (about 8 of
+// 65535) after a 12-bit round trip; an 8-bit file comes back exactly.
+#pragma once
+
+#include "FilePixels.h"
+
+#include <cstdint>
+#include <vector>
+
+const int kHostDepth8 = 24;   // bits per pixel of the 8-bit host format
+const int kHostDepth12 = 48;  // bits per pixel of the 12-bit host format
+const int kFull8 = 255;
+const int kFull12 = 4095;
+const int kFull16 = 65535;
+const int kTwelveBitShift = 4;  // the 12-bit value sits above 4 unused bits
+
+int twelveFromSixteen(int v);
+int sixteenFromTwelve(int v);
+int eightFromSixteen(int v);
+int sixteenFromEight(int v);
+int eightFromTwelve(int v);
+int twelveFromFloat(float f);
+float floatFromTwelve(int v);
+int eightFromFloat(float f);
+float floatFromEight(int v);
+
+// Bytes of one frame at a host depth (24 or 48).
+size_t hostFrameBytes(int width, int height, int depth);
+
+// Writes the picture into a host buffer of the same size at depth 24 or 48.
+void fillHostFrame(const FilePixels& picture, int depth, unsigned char* buffer);
+
+// The sample type a result is written to a file in.
+enum class SampleType { Eight, Sixteen, Float };
+
+// RGB samples ready to write to a file: the one vector of the type is used.
+struct RgbSamples {
+    SampleType type = SampleType::Eight;
+    std::vector<uint8_t> eights;
+    std::vector<uint16_t> sixteens;
+    std::vector<float> floats;
+    const void* data() const;
+};
+
+RgbSamples readHostFrame(const unsigned char* buffer, int width, int height, int depth,
+                         SampleType type);

@@ -1,0 +1,180 @@
+// Image file reading and writing through OpenImageIO.
+#include "ImageFiles.h"
+
+#include <OpenImageIO/imageio.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <set>
+
+namespace {
+const int kEightBits = 8;
+const char kTempPrefix[] = ".sparkrun-";
+
+// Writers that hold only 8 bits per channel.
+const std::set<std::string>& eightBitFormats() {
+    static const std::set<std::string> formats = {"jpeg", "bmp", "gif", "targa", "ico", "webp"};
+    return formats;
+}
+
+// Writers that hold floating samples; a result goes to them as float.
+const std::set<std::string>& floatFormats() {
+    static const std::set<std::string> formats = {"openexr", "hdr", "fits"};
+    return formats;
+}
+
+std::string folderOf(const std::string& path) {
+    const size_t slash = path.rfind('/');
+    if (slash == std::string::npos) return ".";
+    if (slash == 0) return "/";
+    return path.substr(0, slash);
+}
+
+std::string baseOf(const std::string& path) {
+    const size_t slash = path.rfind('/');
+    return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+std::string oiioError() {
+    std::string text = OIIO::geterror();
+    while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
+    return text.empty() ? "unknown error" : text;
+}
+
+RunStatus inputFailure(const std::string& text) {
+    return RunStatus::failure(ExitCode::Input, text);
+}
+
+RunStatus outputFailure(const std::string& text) {
+    return RunStatus::failure(ExitCode::Output, text);
+}
+
+// Expands 1 (grey) or 3 read channels into RGB in place.
+template <class T>
+void expandGrey(std::vector<T>& samples, size_t pixels) {
+    samples.resize(pixels * kRgbChannels);
+    for (size_t i = pixels; i-- > 0;) {
+        const T grey = samples[i];
+        for (int c = 0; c < kRgbChannels; ++c) samples[i * kRgbChannels + c] = grey;
+    }
+}
+}  // namespace
+
+int hostDepthFor(int fileBits, bool isFloat, int requestedDepth) {
+    if (requestedDepth) return requestedDepth;
+    return isFloat || fileBits > kEightBits ? kHostDepth12 : kHostDepth8;
+}
+
+RunStatus readImage(const std::string& path, int requestedDepth, FilePixels* picture,
+                    int* depth) {
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0)
+        return inputFailure("input file not found: " + path);
+    if (!S_ISREG(status.st_mode)) return inputFailure("input is not a file: " + path);
+    if (access(path.c_str(), R_OK) != 0)
+        return inputFailure("cannot read input " + path + ": " + std::strerror(errno));
+
+    auto in = OIIO::ImageInput::open(path);
+    if (!in) return inputFailure("cannot read input " + path + ": " + oiioError());
+    const OIIO::ImageSpec& spec = in->spec();
+    if (spec.deep) return inputFailure("unsupported input " + path + ": deep image");
+    if (spec.depth > 1) return inputFailure("unsupported input " + path + ": volume image");
+    if (spec.nchannels < 1) return inputFailure("unsupported input " + path + ": no channels");
+
+    const bool isFloat = spec.format.is_floating_point();
+    const int bits = spec.get_int_attribute("oiio:BitsPerSample",
+                                            static_cast<int>(spec.format.size()) * kEightBits);
+    const int useDepth = hostDepthFor(bits, isFloat, requestedDepth);
+    const std::string size = std::to_string(spec.width) + "x" + std::to_string(spec.height);
+    if (spec.width < 1 || spec.height < 1 || spec.width > kMaxFrameSide ||
+        spec.height > kMaxFrameSide)
+        return inputFailure("input " + path + " is " + size + ": a frame must be 1 to " +
+                            std::to_string(kMaxFrameSide) + " pixels on each side");
+    const size_t bytes = hostFrameBytes(spec.width, spec.height, useDepth);
+    if (bytes > static_cast<size_t>(kMaxFrameBytes))
+        return inputFailure("input " + path + " is " + size + ": its host frame would need " +
+                            std::to_string(bytes) + " bytes, more than the host's limit of " +
+                            std::to_string(kMaxFrameBytes));
+
+    FilePixels read;
+    read.width = spec.width;
+    read.height = spec.height;
+    read.isFloat = isFloat;
+    read.bitsPerSample = bits;
+    read.pixelAspect = spec.get_float_attribute("PixelAspectRatio", 1.0f);
+    // Grey (with or without alpha) reads one channel; colour reads the first three.
+    const int channels = spec.nchannels >= kRgbChannels ? kRgbChannels : 1;
+    const size_t pixels = static_cast<size_t>(spec.width) * static_cast<size_t>(spec.height);
+    bool fine;
+    if (isFloat) {
+        read.reals.resize(pixels * channels);
+        fine = in->read_image(0, 0, 0, channels, OIIO::TypeDesc::FLOAT, read.reals.data());
+        if (fine && channels == 1) expandGrey(read.reals, pixels);
+    } else {
+        read.words.resize(pixels * channels);
+        fine = in->read_image(0, 0, 0, channels, OIIO::TypeDesc::UINT16, read.words.data());
+        if (fine && channels == 1) expandGrey(read.words, pixels);
+    }
+    if (!fine) {
+        std::string text = in->geterror();
+        if (text.empty()) text = oiioError();
+        return inputFailure("cannot read pixels of " + path + ": " + text);
+    }
+    in->close();
+    *picture = std::move(read);
+    *depth = useDepth;
+    return RunStatus::success();
+}
+
+RunStatus checkOutputPath(const std::string& path) {
+    if (path.empty() || path.back() == '/') return outputFailure("output is not a file name: " + path);
+    const std::string folder = folderOf(path);
+    struct stat status;
+    if (stat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode))
+        return outputFailure("output folder does not exist: " + folder);
+    if (access(folder.c_str(), W_OK | X_OK) != 0)
+        return outputFailure("output folder is not writable: " + folder);
+    if (stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
+        return outputFailure("output is a folder: " + path);
+    auto out = OIIO::ImageOutput::create(path);
+    if (!out) return outputFailure("unsupported output format for " + path + ": " + oiioError());
+    return RunStatus::success();
+}
+
+SampleType outputSampleType(const std::string& path, int hostDepth) {
+    auto out = OIIO::ImageOutput::create(path);
+    const std::string format = out ? out->format_name() : "";
+    if (floatFormats().count(format)) return SampleType::Float;
+    if (eightBitFormats().count(format) || hostDepth != kHostDepth12) return SampleType::Eight;
+    return SampleType::Sixteen;
+}
+
+RunStatus writeImage(const std::string& path, int width, int height, const RgbSamples& result) {
+    auto out = OIIO::ImageOutput::create(path);
+    if (!out) return outputFailure("unsupported output format for " + path + ": " + oiioError());
+    OIIO::TypeDesc type = OIIO::TypeDesc::UINT8;
+    if (result.type == SampleType::Sixteen) type = OIIO::TypeDesc::UINT16;
+    if (result.type == SampleType::Float) type = OIIO::TypeDesc::FLOAT;
+    OIIO::ImageSpec spec(width, height, kRgbChannels, type);
+
+    // Same folder, so the rename is atomic; same extension, for writers that look at it.
+    const std::string temporary = folderOf(path) + "/" + kTempPrefix +
+                                  std::to_string(getpid()) + "-" + baseOf(path);
+    bool fine = out->open(temporary, spec) && out->write_image(type, result.data());
+    fine = out->close() && fine;
+    if (!fine) {
+        std::string text = out->geterror();
+        if (text.empty()) text = std::strerror(errno);
+        std::remove(temporary.c_str());
+        return outputFailure("cannot write " + path + ": " + text);
+    }
+    if (std::rename(temporary.c_str(), path.c_str()) != 0) {
+        const std::string text = std::strerror(errno);
+        std::remove(temporary.c_str());
+        return outputFailure("cannot write " + path + ": " + text);
+    }
+    return RunStatus::success();
+}

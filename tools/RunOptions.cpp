@@ -1,0 +1,153 @@
+// Parsing sparkrun's command line.
+#include "RunOptions.h"
+
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+const int kMaxProcessors = 64;  // the host record holds the count in a signed byte
+
+RunStatus usage(const std::string& text) { return RunStatus::failure(ExitCode::Usage, text); }
+
+bool parseInt(const std::string& text, int* value) {
+    if (text.empty()) return false;
+    char* end = nullptr;
+    errno = 0;
+    const long number = std::strtol(text.c_str(), &end, 10);
+    if (errno || !end || *end || number < -2147483647L - 1 || number > 2147483647L) return false;
+    *value = static_cast<int>(number);
+    return true;
+}
+
+bool parseSize(const std::string& text, int* width, int* height) {
+    const size_t x = text.find('x');
+    return x != std::string::npos && parseInt(text.substr(0, x), width) &&
+           parseInt(text.substr(x + 1), height);
+}
+
+bool setMode(RunOptions* options, RunMode mode, const std::string& option, RunStatus* status) {
+    if (options->mode != RunMode::Process && options->mode != mode) {
+        *status = usage(option + " cannot be combined with another mode option");
+        return false;
+    }
+    options->mode = mode;
+    return true;
+}
+}  // namespace
+
+const char* usageText() {
+    return R"(usage: sparkrun [options] INPUT OUTPUT
+       sparkrun [options] --list-controls
+       sparkrun [options] --save-setup FILE          (no images: just save the controls)
+       sparkrun --make-chart OUTPUT [--size WxH]
+       sparkrun --side-by-side LEFT RIGHT OUTPUT
+       sparkrun --compare A B [--margin PERCENT]
+
+Runs a Spark plug-in (by default straightlux.spark next to this tool) on image
+files through the simulated host. INPUT and OUTPUT are any files OpenImageIO
+reads and writes; a sequence is a name with a run of # (shot.####.dpx, the
+count is the zero padding) or %d / %04d. A single INPUT with a sequence OUTPUT
+renders the still for every frame.
+
+options:
+  --plugin PATH          the plug-in to run
+  --depth 8|12           host frame depth (default: 12 for inputs deeper than 8 bits)
+  --frames A-B           frame numbers (default: the sequence files found, or 1)
+  --set NAME=VALUE       set a control by its title: --set Radial1=-0.08
+                         --set "Centre X=52" --set Sampling=Cubic --set Proxy=1/2
+                         --set "Auto Preview=off"
+  --key NAME@FRAME=VALUE animation key of a number field: --key Radial1@10=-0.05
+  --setup FILE           load a saved set-up (--set and --key win over it)
+  --save-setup FILE      save every control value and key at the end
+  --list-controls        print every control with its value and range or entries
+  --threads N            processors the host offers the plug-in
+  --verbose              report each frame and its animated values
+  --quiet                drop the plug-in's console output and messages
+  --help
+
+exit codes: 0 done, 2 usage, 3 input, 4 output, 5 plug-in, 6 processing
+)";
+}
+
+RunStatus parseCommandLine(int argc, char** argv, RunOptions* options) {
+    RunStatus status;
+    for (int i = 1; i < argc; ++i) {
+        std::string argument = argv[i];
+        if (argument.size() < 2 || argument.compare(0, 2, "--") != 0 || argument == "--") {
+            if (argument == "--") {
+                for (++i; i < argc; ++i) options->files.push_back(argv[i]);
+                break;
+            }
+            if (argument.size() > 1 && argument[0] == '-')
+                return usage("unknown option " + argument);
+            options->files.push_back(argument);
+            continue;
+        }
+        std::string value;
+        bool hasValue = false;
+        const size_t equals = argument.find('=');
+        if (equals != std::string::npos) {
+            value = argument.substr(equals + 1);
+            argument = argument.substr(0, equals);
+            hasValue = true;
+        }
+        // Options that take no value.
+        if (argument == "--help" || argument == "--list-controls" || argument == "--verbose" ||
+            argument == "--quiet" || argument == "--make-chart" || argument == "--side-by-side" ||
+            argument == "--compare") {
+            if (hasValue) return usage(argument + " takes no value");
+            if (argument == "--help") options->mode = RunMode::Help;
+            if (argument == "--verbose") options->verbose = true;
+            if (argument == "--quiet") options->quiet = true;
+            if (argument == "--list-controls" && !setMode(options, RunMode::ListControls, argument, &status))
+                return status;
+            if (argument == "--make-chart" && !setMode(options, RunMode::MakeChart, argument, &status))
+                return status;
+            if (argument == "--side-by-side" && !setMode(options, RunMode::SideBySide, argument, &status))
+                return status;
+            if (argument == "--compare" && !setMode(options, RunMode::Compare, argument, &status))
+                return status;
+            continue;
+        }
+        if (!hasValue) {
+            if (i + 1 >= argc) return usage(argument + " needs a value");
+            value = argv[++i];
+        }
+        if (argument == "--plugin") {
+            options->pluginPath = value;
+        } else if (argument == "--depth") {
+            int bits = 0;
+            if (!parseInt(value, &bits) || (bits != 8 && bits != 12))
+                return usage("--depth takes 8 or 12, not \"" + value + "\"");
+            options->depth = bits == 8 ? 24 : 48;
+        } else if (argument == "--frames") {
+            options->frames = value;
+        } else if (argument == "--set") {
+            options->sets.push_back(value);
+        } else if (argument == "--key") {
+            options->keys.push_back(value);
+        } else if (argument == "--setup") {
+            options->setupPath = value;
+        } else if (argument == "--save-setup") {
+            options->saveSetupPath = value;
+        } else if (argument == "--threads") {
+            if (!parseInt(value, &options->processors) || options->processors < 1 ||
+                options->processors > kMaxProcessors)
+                return usage("--threads takes 1 to " + std::to_string(kMaxProcessors));
+        } else if (argument == "--size") {
+            if (!parseSize(value, &options->chartWidth, &options->chartHeight) ||
+                options->chartWidth < 1 || options->chartHeight < 1)
+                return usage("--size takes WIDTHxHEIGHT, not \"" + value + "\"");
+        } else if (argument == "--margin") {
+            char* end = nullptr;
+            options->marginPercent = std::strtod(value.c_str(), &end);
+            if (value.empty() || !end || *end || !std::isfinite(options->marginPercent))
+                return usage("--margin takes a percentage, not \"" + value + "\"");
+        } else {
+            return usage("unknown option " + argument);
+        }
+    }
+    return RunStatus::success();
+}

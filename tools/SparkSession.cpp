@@ -1,0 +1,175 @@
+// Driving a plug-in through the simulated host.
+#include "SparkSession.h"
+
+#include "HostPixels.h"
+#include "PluginConsole.h"
+
+#include <cstdio>
+#include <vector>
+
+namespace {
+const int kOutputBufferId = 1;
+const int kInputBufferId = 2;
+const unsigned kSupportedClips = 1;
+const char kNoContext = 0;  // a render: the plug-in's viewer is not on screen
+
+std::vector<char> writableText(const std::string& text) {
+    std::vector<char> buffer(text.begin(), text.end());
+    buffer.push_back('\0');
+    return buffer;
+}
+}  // namespace
+
+SparkSession::SparkSession(bool quiet, int processors) : quiet_(quiet) {
+    simhost::Host& host = simhost::Host::instance();
+    host.reset();
+    host.processors = processors;
+}
+
+RunStatus SparkSession::load(const std::string& pluginPath) {
+    pluginPath_ = pluginPath;
+    std::string error;
+    bool loaded;
+    {
+        PluginConsole console(quiet_);
+        loaded = plugin_.load(pluginPath, &error);
+    }
+    if (!loaded) return RunStatus::failure(ExitCode::Plugin, "cannot load plug-in: " + error);
+    if (!plugin_.symbol("SparkProcess"))
+        return RunStatus::failure(ExitCode::Plugin,
+                                  "not a plug-in: no SparkProcess entry point in " + pluginPath);
+    return RunStatus::success();
+}
+
+SparkInfoStruct SparkSession::infoFor(unsigned frame, unsigned totalFrames,
+                                      const std::string& name) const {
+    SparkInfoStruct info =
+        simhost::Host::instance().makeInfo(width_, height_, depth_, frame, name);
+    info.TotalFrameNo = totalFrames;
+    info.Context = kNoContext;
+    return info;
+}
+
+std::string SparkSession::relayMessages() {
+    simhost::Host& host = simhost::Host::instance();
+    std::string last;
+    for (const simhost::Call& call : host.calls()) {
+        if (call.name != "sparkError" && call.name != "sparkMessage") continue;
+        const std::string text = call.args.empty() ? "" : call.args.front();
+        last = text;
+        if (!quiet_) std::fprintf(stderr, "plug-in: %s\n", text.c_str());
+    }
+    host.clearCalls();
+    return last;
+}
+
+RunStatus SparkSession::start(int width, int height, int depth, float pixelAspect,
+                              const std::string& setupPath) {
+    simhost::Host& host = simhost::Host::instance();
+    width_ = width;
+    height_ = height;
+    depth_ = depth;
+    setupPath_ = setupPath;
+    if (setupPath.size() >= sizeof(SparkInfoStruct::Name))
+        return RunStatus::failure(ExitCode::Usage, "set-up file name too long: " + setupPath);
+    host.pixelAspect = pixelAspect;
+    host.setBuffer(kInputBufferId, width, height, depth);
+    host.setBuffer(kOutputBufferId, width, height, depth);
+    host.setupFiles = !setupPath.empty();
+    host.clearCalls();
+
+    unsigned levels;
+    int clips;
+    {
+        PluginConsole console(quiet_);
+        plugin_.memoryTempBuffers();
+        clips = plugin_.clips();
+        levels = plugin_.initialise(infoFor(1, 1, setupPath));
+    }
+    const bool loadedSetup = host.count("sparkLoadSetup") > 0;
+    relayMessages();
+    started_ = true;
+    if (levels == 0)
+        return RunStatus::failure(ExitCode::Plugin,
+                                  "the plug-in declined to start (SparkInitialise returned 0)");
+    if (clips > static_cast<int>(kSupportedClips))
+        return RunStatus::failure(ExitCode::Plugin,
+                                  "the plug-in wants " + std::to_string(clips) +
+                                      " input clips; sparkrun feeds one");
+    if (!setupPath.empty() && !loadedSetup) {
+        std::vector<char> name = writableText(setupPath);
+        sparkLoadSetup(name.data());
+        host.clearCalls();
+    }
+    if (!setupPath.empty() && !host.setupError.empty())
+        return RunStatus::failure(ExitCode::Input, host.setupError);
+    controls_ = std::make_unique<ControlTable>(plugin_.records());
+    return RunStatus::success();
+}
+
+RunStatus SparkSession::process(unsigned frame, unsigned totalFrames, const FilePixels& picture,
+                                const unsigned char** result, std::string* animated) {
+    simhost::Host& host = simhost::Host::instance();
+    if (picture.width != width_ || picture.height != height_)
+        return RunStatus::failure(ExitCode::Input,
+                                  "frame " + std::to_string(frame) + " is " +
+                                      std::to_string(picture.width) + "x" +
+                                      std::to_string(picture.height) + ", the sequence is " +
+                                      std::to_string(width_) + "x" + std::to_string(height_));
+    fillHostFrame(picture, depth_, host.setBuffer(kInputBufferId, width_, height_, depth_).bytes());
+    host.setBuffer(kOutputBufferId, width_, height_, depth_);
+    *animated = controls_->applyCurves(host, frame);
+
+    const SparkInfoStruct info = infoFor(frame, totalFrames, setupPath_);
+    unsigned long* returned;
+    {
+        PluginConsole console(quiet_);
+        plugin_.processStart(info);
+        returned = plugin_.process(info);
+    }
+    const std::string message = relayMessages();
+    if (!returned)
+        return RunStatus::failure(
+            ExitCode::Processing,
+            "the plug-in returned no picture for frame " + std::to_string(frame) +
+                (message.empty() ? std::string() : " (it said: " + message + ")"));
+    // The answer must be one of the frames the host handed out.
+    for (int id : {kOutputBufferId, kInputBufferId}) {
+        simhost::FrameBuffer& buffer = host.buffers[id];
+        if (returned == buffer.storage.data() && buffer.width == width_ &&
+            buffer.height == height_ && buffer.depth == depth_) {
+            *result = buffer.bytes();
+            return RunStatus::success();
+        }
+    }
+    return RunStatus::failure(ExitCode::Processing,
+                              "the plug-in returned a buffer the host did not hand out for frame " +
+                                  std::to_string(frame));
+}
+
+RunStatus SparkSession::finish(const std::string& savePath) {
+    if (!started_) return RunStatus::success();
+    started_ = false;
+    simhost::Host& host = simhost::Host::instance();
+    host.setupFiles = !savePath.empty();
+    host.setupError.clear();
+    host.clearCalls();
+    const std::string name = savePath.empty() ? setupPath_ : savePath;
+    if (name.size() >= sizeof(SparkInfoStruct::Name))
+        return RunStatus::failure(ExitCode::Usage, "set-up file name too long: " + name);
+    {
+        PluginConsole console(quiet_);
+        plugin_.uninitialise(infoFor(1, 1, name));
+    }
+    const bool savedSetup = host.count("sparkSaveSetup") > 0;
+    relayMessages();
+    if (!savePath.empty() && !savedSetup) {
+        std::vector<char> text = writableText(savePath);
+        sparkSaveSetup(text.data());
+        host.clearCalls();
+    }
+    host.setupFiles = false;
+    if (!savePath.empty() && !host.setupError.empty())
+        return RunStatus::failure(ExitCode::Output, host.setupError);
+    return RunStatus::success();
+}

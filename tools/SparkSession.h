@@ -1,0 +1,63 @@
+// SparkSession: one plug-in driven through the simulated host the way the
+// host drives it for a render: load, SparkMemoryTempBuffers, SparkClips,
+// SparkInitialise with an information record for the frame size and depth
+// (its Name is the set-up file, which the plug-in loads), then per frame
+// SparkProcessStart and SparkProcess with the frame number, and
+// SparkUnInitialise at the end (which saves the set-up).
+//
+// Buffers: id 2 holds the input frame, id 1 the output frame (cleared before
+// each frame); both use the host layout of HostPixels. Set-up files are real
+// files only when the user names one: a loaded set-up is never written back
+// unless it is also the --save-setup file. A plug-in that does not load or
+// save its set-up itself gets it done by the session.
+//
+// What the plug-in reports through sparkError / sparkMessage is passed on to
+// standard error ("plug-in: ..."), unless quiet.
+#pragma once
+
+#include "ControlTable.h"
+#include "FilePixels.h"
+#include "RunStatus.h"
+
+#include <SimHost.h>
+
+#include <memory>
+#include <string>
+
+class SparkSession {
+public:
+    SparkSession(bool quiet, int processors);
+
+    RunStatus load(const std::string& pluginPath);
+    RunStatus start(int width, int height, int depth, float pixelAspect,
+                    const std::string& setupPath);
+    // Valid after start.
+    const ControlTable& controls() const { return *controls_; }
+
+    // Runs one frame; *result points at the frame the plug-in returned, in the
+    // host layout at the session's size and depth, valid until the next call.
+    RunStatus process(unsigned frame, unsigned totalFrames, const FilePixels& picture,
+                      const unsigned char** result, std::string* animated);
+
+    // SparkUnInitialise; writes the set-up to savePath when it is not empty.
+    RunStatus finish(const std::string& savePath);
+
+    int width() const { return width_; }
+    int height() const { return height_; }
+    int depth() const { return depth_; }
+
+private:
+    SparkInfoStruct infoFor(unsigned frame, unsigned totalFrames, const std::string& name) const;
+    // Passes on the plug-in's messages; returns the last error or message text.
+    std::string relayMessages();
+
+    bool quiet_;
+    simhost::Plugin plugin_;
+    std::unique_ptr<ControlTable> controls_;
+    std::string pluginPath_;
+    std::string setupPath_;
+    int width_ = 0;
+    int height_ = 0;
+    int depth_ = 0;
+    bool started_ = false;
+};

@@ -1,0 +1,217 @@
+// sparkrun: runs a Spark plug-in on image files through the simulated host,
+// and the small picture utilities of the demonstration (chart, comparison,
+// side by side). See usageText() for the command line and RunStatus.h for
+// the exit codes.
+#include "ControlTable.h"
+#include "FramePattern.h"
+#include "HostPixels.h"
+#include "ImageCompare.h"
+#include "ImageFiles.h"
+#include "ProgressBar.h"
+#include "RunOptions.h"
+#include "SparkSession.h"
+#include "TestChart.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdio>
+#include <set>
+#include <thread>
+
+namespace {
+const char kDefaultPlugin[] = "straightlux.spark";
+const int kNominalWidth = 1920;  // frame size a session without images starts with
+const int kNominalHeight = 1080;
+const int kMaxProcessors = 64;
+
+RunStatus usage(const std::string& text) { return RunStatus::failure(ExitCode::Usage, text); }
+
+// straightlux.spark in the folder of this executable.
+std::string defaultPluginPath() {
+    char path[PATH_MAX];
+    const ssize_t length = readlink("/proc/self/exe", path, sizeof path - 1);
+    if (length <= 0) return kDefaultPlugin;
+    std::string self(path, static_cast<size_t>(length));
+    const size_t slash = self.rfind('/');
+    return (slash == std::string::npos ? std::string(".") : self.substr(0, slash)) + "/" +
+           kDefaultPlugin;
+}
+
+int defaultProcessors() {
+    const int count = static_cast<int>(std::thread::hardware_concurrency());
+    return std::clamp(count, 1, kMaxProcessors);
+}
+
+// Applies --set then --key. A control set on the command line drops the keys
+// a loaded set-up gave it; a keyed control loses its set-up keys.
+RunStatus applyControls(const RunOptions& options, const ControlTable& table) {
+    simhost::Host& host = simhost::Host::instance();
+    std::set<int> setFloats;
+    for (const std::string& assignment : options.sets) {
+        const Control* control = nullptr;
+        RunStatus status = table.set(assignment, &control);
+        if (!status.ok()) return status;
+        if (control->kind == ControlKind::Float) {
+            host.curveKeys.erase(control->number);
+            setFloats.insert(control->number);
+        }
+    }
+    std::set<int> keyed;
+    for (const std::string& text : options.keys) {
+        const Control* control = nullptr;
+        int frame = 0;
+        float value = 0.0f;
+        RunStatus status = table.parseKey(text, &control, &frame, &value);
+        if (!status.ok()) return status;
+        if (setFloats.count(control->number))
+            return usage(control->name + " has both --set and --key: give it keys only");
+        if (keyed.insert(control->number).second) host.curveKeys.erase(control->number);
+        host.curveKeys[control->number][frame] = value;
+    }
+    return RunStatus::success();
+}
+
+// A session without images: --list-controls, or only --save-setup.
+RunStatus runControlsOnly(const RunOptions& options, const std::string& pluginPath) {
+    SparkSession session(options.quiet, options.processors);
+    RunStatus status = session.load(pluginPath);
+    if (!status.ok()) return status;
+    const int depth = options.depth ? options.depth : kHostDepth8;
+    status = session.start(kNominalWidth, kNominalHeight, depth, 1.0f, options.setupPath);
+    if (status.ok()) status = applyControls(options, session.controls());
+    if (status.ok() && options.mode == RunMode::ListControls)
+        std::fputs(session.controls().listing().c_str(), stdout);
+    const RunStatus finished = session.finish(status.ok() ? options.saveSetupPath : "");
+    return status.ok() ? finished : status;
+}
+
+// The frames to run and the checks that can be made before any work.
+RunStatus planFrames(const RunOptions& options, const FramePattern& input,
+                     const FramePattern& output, std::vector<unsigned>* frames) {
+    std::string error;
+    if (!options.frames.empty()) {
+        if (!parseFrameRange(options.frames, frames, &error)) return usage(error);
+    } else if (input.isSequence()) {
+        *frames = input.existingFrames();
+        if (frames->empty())
+            return RunStatus::failure(ExitCode::Input, "no input files match " + input.text());
+    } else {
+        *frames = {1};
+    }
+    if (frames->size() > 1 && !output.isSequence())
+        return usage("several frames need a sequence output name (with # or %04d)");
+    for (unsigned frame : *frames) {
+        const std::string name = input.fileFor(frame);
+        struct stat status;
+        if (stat(name.c_str(), &status) != 0)
+            return RunStatus::failure(ExitCode::Input, "input file not found: " + name);
+        if (!input.isSequence()) break;
+    }
+    return checkOutputPath(output.fileFor(frames->front()));
+}
+
+RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
+    if (options.files.size() != 2) return usage("give one INPUT and one OUTPUT");
+    FramePattern input, output;
+    std::string error;
+    if (!FramePattern::parse(options.files[0], &input, &error) ||
+        !FramePattern::parse(options.files[1], &output, &error))
+        return usage(error);
+    std::vector<unsigned> frames;
+    RunStatus status = planFrames(options, input, output, &frames);
+    if (!status.ok()) return status;
+
+    FilePixels picture;
+    int depth = 0;
+    status = readImage(input.fileFor(frames.front()), options.depth, &picture, &depth);
+    if (!status.ok()) return status;
+
+    SparkSession session(options.quiet, options.processors);
+    status = session.load(pluginPath);
+    if (!status.ok()) return status;
+    status = session.start(picture.width, picture.height, depth, picture.pixelAspect,
+                           options.setupPath);
+    if (status.ok()) status = applyControls(options, session.controls());
+    if (status.ok() && options.verbose)
+        std::printf("%s: %dx%d at %d bits, %zu frame(s)\n", pluginPath.c_str(), picture.width,
+                    picture.height, depth == kHostDepth12 ? 12 : 8, frames.size());
+
+    ProgressBar progress(static_cast<int>(frames.size()));
+    const unsigned total = static_cast<unsigned>(frames.size());
+    for (size_t i = 0; status.ok() && i < frames.size(); ++i) {
+        const unsigned frame = frames[i];
+        // A still input is read once and stands for every frame.
+        if (i > 0 && input.isSequence()) {
+            int frameDepth = 0;
+            status = readImage(input.fileFor(frame), depth, &picture, &frameDepth);
+            if (!status.ok()) break;
+        }
+        const unsigned char* result = nullptr;
+        std::string animated;
+        status = session.process(frame, total, picture, &result, &animated);
+        if (!status.ok()) break;
+        const std::string name = output.fileFor(frame);
+        const RgbSamples samples = readHostFrame(result, session.width(), session.height(), depth,
+                                                 outputSampleType(name, depth));
+        status = writeImage(name, session.width(), session.height(), samples);
+        if (!status.ok()) break;
+        if (options.verbose)
+            std::printf("frame %u: %s%s%s\n", frame, name.c_str(), animated.empty() ? "" : "  ",
+                        animated.c_str());
+        progress.advance(static_cast<int>(i + 1), frame);
+    }
+    progress.finish();
+    const RunStatus finished = session.finish(status.ok() ? options.saveSetupPath : "");
+    return status.ok() ? finished : status;
+}
+
+RunStatus run(RunOptions& options) {
+    if (!options.processors) options.processors = defaultProcessors();
+    const std::string pluginPath =
+        options.pluginPath.empty() ? defaultPluginPath() : options.pluginPath;
+    switch (options.mode) {
+        case RunMode::Help:
+            std::fputs(usageText(), stdout);
+            return RunStatus::success();
+        case RunMode::MakeChart:
+            if (options.files.size() != 1) return usage("--make-chart takes one OUTPUT");
+            return writeTestChart(options.files[0],
+                                  options.chartWidth ? options.chartWidth : kChartWidth,
+                                  options.chartHeight ? options.chartHeight : kChartHeight);
+        case RunMode::SideBySide:
+            if (options.files.size() != 3) return usage("--side-by-side takes LEFT RIGHT OUTPUT");
+            return writeSideBySide(options.files[0], options.files[1], options.files[2]);
+        case RunMode::Compare: {
+            if (options.files.size() != 2) return usage("--compare takes two pictures");
+            double mean = 0.0;
+            RunStatus status =
+                meanAbsDifference(options.files[0], options.files[1], options.marginPercent, &mean);
+            if (status.ok())
+                std::printf("mean abs difference %.3f (8-bit levels, %g%% margin)\n", mean,
+                            options.marginPercent);
+            return status;
+        }
+        case RunMode::ListControls:
+            if (!options.files.empty()) return usage("--list-controls takes no INPUT or OUTPUT");
+            return runControlsOnly(options, pluginPath);
+        case RunMode::Process:
+            if (options.files.empty() && !options.saveSetupPath.empty())
+                return runControlsOnly(options, pluginPath);
+            return runFrames(options, pluginPath);
+    }
+    return RunStatus::success();
+}
+}  // namespace
+
+int main(int argc, char** argv) {
+    RunOptions options;
+    RunStatus status = parseCommandLine(argc, argv, &options);
+    if (status.ok()) status = run(options);
+    if (status.ok()) return 0;
+    std::fprintf(stderr, "sparkrun: %s\n", status.message.c_str());
+    if (status.code == ExitCode::Usage) std::fputs("(sparkrun --help shows the usage)\n", stderr);
+    return static_cast<int>(status.code);
+}
