@@ -1,9 +1,126 @@
 #include "Straightlux.h"
 
-#include "ImageZel.h"
+#include <cmath>
 
-// Pass-through stage: copies the input picture into the output picture.
+#include "ImageXfmZel.h"
+#include "ImageZel.h"
+#include "PolyLineSet2DZel.h"
+#include "StraightluxSource.h"
+#include "zel_heap.h"
+
+namespace {
+
+// A magnification within this distance of 1 is treated as exactly 1: no pass.
+constexpr double kMagnifyDeadBand = 0.01;
+// Footprint radius handed to the resampler: at most 1 keeps it on the point path.
+constexpr double kPointFootprint = 0.5;
+// set_transform: invert the composed matrix.
+constexpr int kInvertTransform = 1;
+constexpr float kUnitGain = 1.0f;
+constexpr double kHalf = 0.5;
+
+// Unordered comparison: a NaN on either side counts as a change.
+bool Differs(float now, float before) { return !(now == before); }
+
+}  // namespace
+
+Straightlux::Straightlux() : xfm(new ImageXfmZel), lines(new PolyLineSet2DZel) {}
+
+// xfm is left alone on purpose: the one plug-in object lives as long as the
+// library, and the resampler with it.
+Straightlux::~Straightlux() {
+    if (addressMap != nullptr) ZEL_IMAGE_FREE(kStraightluxSource, addressMap);
+    delete scratch;
+    delete lines;
+    FreeErrorPoints();
+}
+
+void Straightlux::FreeErrorPoints() {
+    if (errorPoints != nullptr) ZEL_FREE(kStraightluxSource, errorPoints);
+    errorPoints = nullptr;
+    errorPointCount = 0;
+}
+
 void Straightlux::ProcessFrame() {
-    if (output.image == nullptr) return;
-    output.image->CopyValues(input.image, 1.0f, 1.0f, 1.0f, 1.0f);
+    ImageZel* in = input.image;
+    ImageZel* out = output.image;
+    // Without both pictures there is nothing to read or write.
+    if (in == nullptr || out == nullptr) return;
+
+    width = out->width;
+    height = out->height;
+    frameAspect = static_cast<float>(out->pixelAspect);
+    frameScale = static_cast<float>(out->secondScale);
+    normScale = 1.0f;
+
+    // The centre control holds fractions of the frame; the model works in pixels.
+    centreX = static_cast<float>(width * info.centre.x);
+    centreY = static_cast<float>(height * info.centre.y);
+    squeeze = static_cast<float>(info.squeeze.value);
+    radial1 = static_cast<float>(info.radial1.value);
+    radial2 = static_cast<float>(info.radial2.value);
+    xCurvature = static_cast<float>(info.xCurvature.value);
+    yCurvature = static_cast<float>(info.yCurvature.value);
+    magnify = static_cast<float>(info.magnify.value);
+    sampling = info.sampling.value;
+    mode = info.mode.value;
+
+    // The input view leaves the map and the saved values as they are.
+    if (info.view.value == kViewInput) {
+        out->CopyValues(in, kUnitGain, kUnitGain, kUnitGain, kUnitGain);
+        return;
+    }
+
+    if (addressMap == nullptr || ControlsChanged()) ComputeAddressMap(mode == kModeAdd);
+
+    if (addressMap != nullptr && xfm != nullptr && scratch != nullptr) {
+        xfm->reset();
+        xfm->sampleMode(sampling);
+        // Output pixel (i, j) shows the input at map entry j * width + i.
+        const float* entry = addressMap;
+        for (int32_t j = 0; j < height; ++j) {
+            PixelZel* row = out->rows[j];
+            for (int32_t i = 0; i < width; ++i, entry += 2) {
+                row[i] = xfm->sample_image(*in, entry[0], entry[1], kPointFootprint,
+                                           kPointFootprint);
+            }
+        }
+
+        if (std::fabs(static_cast<double>(magnify) - 1.0) > kMagnifyDeadBand) {
+            // Zoom about the frame centre: read from the right, the steps move the
+            // centre to the origin, scale, and move it back.
+            xfm->reset();
+            xfm->sampleMode(sampling);
+            xfm->translate(kHalf * width, kHalf * height);
+            xfm->scale(magnify, magnify);
+            xfm->translate(-kHalf * width, -kHalf * height);
+            xfm->set_transform(kInvertTransform);
+            xfm->apply(*out, *scratch, 0, height - 1);
+            out->CopyValues(scratch, kUnitGain, kUnitGain, kUnitGain, kUnitGain);
+        }
+    }
+
+    SaveControlValues();
+}
+
+// The tests run in this order and stop at the first difference. Sampling and
+// Magnify do not enter the map, yet a change of either rebuilds it: kept so.
+bool Straightlux::ControlsChanged() {
+    if (addressMap == nullptr || dirty) return true;
+    if (width != savedWidth || height != savedHeight) return true;
+    if (Differs(centreX, saved.centreX) || Differs(centreY, saved.centreY)) return true;
+    if (Differs(normScale, saved.normScale) || Differs(squeeze, saved.squeeze)) return true;
+    if (Differs(radial1, saved.radial1) || Differs(radial2, saved.radial2)) return true;
+    if (Differs(xCurvature, saved.xCurvature) || Differs(yCurvature, saved.yCurvature)) return true;
+    if (sampling != saved.sampling) return true;
+    if (Differs(magnify, saved.magnify)) return true;
+    return mode != saved.mode;
+}
+
+void Straightlux::SaveControlValues() {
+    dirty = false;
+    savedWidth = width;
+    savedHeight = height;
+    saved = SavedValues{centreX, centreY, normScale, squeeze, radial1,  radial2,
+                        xCurvature, yCurvature, sampling, magnify, mode};
 }

@@ -1,19 +1,53 @@
 // Straightlux: the lens-correction plug-in object (one per loaded library, the
-// host binding's Instance). This is still the pass-through stage: the output
-// frame is the input frame unchanged; the lens model, address map and fit are
-// being put in place behind the same interface.
+// host binding's Instance). Per frame it loads the lens model from its
+// controls, rebuilds the per-pixel address map only when something that could
+// change it has changed, resamples the input through the map into the output
+// and optionally magnifies the result about the frame centre. Its callbacks
+// reset the model, clear the drawn lines, follow the line-edit mode and fit
+// the radial coefficients to the drawn lines.
+//
+// Units: the model works in pixels (see StraightluxModel); the controls hold
+// fractions of the frame for the centre and 1-based entries for the menus;
+// drawn lines are in fractions of the frame; images have 15-bit channels.
 #pragma once
+
+#include <cstdint>
 
 #include "PluginZel.h"
 #include "StraightluxInfo.h"
+#include "StraightluxModel.h"
+#include "tagDPT.h"
 
 class ControlZel;
+class ImageXfmZel;
+class ImageZel;
+class PolyLine2DZel;
+class PolyLineSet2DZel;
 
-class Straightlux : public PluginZel {
+// The viewer-overlay base (OverlayZel, through which RenderOverlay and
+// HandleInteraction reach the plug-in) is added by the overlay work as the
+// second base class, after PluginZel.
+class Straightlux : public PluginZel, public StraightluxModel {
 public:
+    Straightlux();
+    // Releases the map, scratch, lines and error points; not xfm (see the definition).
+    ~Straightlux() override;
+    Straightlux(const Straightlux&) = delete;
+    Straightlux& operator=(const Straightlux&) = delete;
+
     void ProcessFrame() override;
     // The host binding syncs the controls itself; nothing to push back.
     void SyncControls() override {}
+
+    // OVERLAY WORK: RenderOverlay() and HandleInteraction(InterType, float, float)
+    // are declared here, as the virtual operations after FrameChange.
+
+    // True when the address map must be rebuilt for the current model and size.
+    bool ControlsChanged();
+    void SaveControlValues();
+    // Fills the map for the current model: Remove (add false) through the
+    // inverse model, Add through the single-precision forward model.
+    void ComputeAddressMap(bool add);
 
     // Control callbacks, called by the host binding with the control and the frame.
     void ResetCB(ControlZel& control, double frame);
@@ -21,5 +55,47 @@ public:
     void KillLinesCB(ControlZel& control, double frame);
     void LineEditCB(ControlZel& control, double frame);
 
+    // Straightness error of the drawn lines, in pixels, with radial2 (second)
+    // or radial1 set to value for the measurement; refills errorPoints.
+    double MeasureError(double value, bool second);
+    // Fits radial1 and radial2 to the drawn lines; false when no line has
+    // more than two points.
+    bool OptimizeK1K2();
+
+    // The model values of the last finished frame, compared by ControlsChanged.
+    struct SavedValues {
+        float centreX, centreY, normScale, squeeze, radial1, radial2, xCurvature, yCurvature;
+        int32_t sampling;
+        float magnify;
+        int32_t mode;
+    };
+
     StraightluxInfo info;
+    // The model fields width ... yCurvature and iterationTotal are StraightluxModel's.
+    int32_t savedWidth = -1;  // size for which the map and the saved values hold
+    int32_t savedHeight = -1;
+    float frameAspect = 1.0f;  // the result image's pixel aspect and second scale, copied per frame
+    float frameScale = 1.0f;
+    bool dirty = true;    // forces the next frame to rebuild the map
+    float penX = 0.75f;   // last pointer position over the viewer, fractions of the frame
+    float penY = 0.25f;
+    bool newLine = true;  // the next "Add Line" click starts a new polyline
+    int32_t lastLineEdit = kLineEditNoAction;  // "LineEdit" value seen by the last callback
+    int32_t sampling = kSamplingSharpCubic;    // "Sampling" entry, the resampler's mode
+    float magnify = 1.0f;
+    int32_t mode = kModeRemove;
+    SavedValues saved = {};
+    // width x height entries of (source x, source y), row-major; image allocator.
+    float* addressMap = nullptr;
+    ImageXfmZel* xfm = nullptr;
+    ImageZel* scratch = nullptr;  // width x height work image of the magnify pass
+    PolyLineSet2DZel* lines = nullptr;
+    PolyLine2DZel* currentLine = nullptr;  // the line being drawn or edited
+    tagDPT2* errorPoints = nullptr;        // mapped points of the last measurement, pixels
+    int32_t errorPointCount = 0;
+
+private:
+    void FreeErrorPoints();
+    // One-dimensional compass search of radial2 (second) or radial1 from start.
+    double CompassSearch(double start, bool second);
 };

@@ -26,8 +26,11 @@ enum StraightluxMode { kModeRemove = 1, kModeAdd, kModeAutoRemove };
 enum StraightluxView { kViewResult = 1, kViewInput };
 
 struct StraightluxInfo {
-    // The centre crosshair and the line pen overlay widgets belong here, before
-    // the controls; they arrive with the viewer overlays.
+    // The input and output clips are the plug-in base's `input` and `output`.
+    //
+    // OVERLAY WORK: two widget members go here, before the controls: the
+    // centre crosshair (CrosshairOverlayZel, colour words 65535, enabled) and
+    // the line pen (StraightluxLinePenOverlayZel, constructed the same way).
 
     FloatControlZel radial1;     // "Radial1", control 6
     FloatControlZel radial2;     // "Radial2", control 7
