@@ -1,0 +1,33 @@
+// Fixture for tests that drive the real plug-in through the simulated host:
+// a fresh copy of the module (its globals start anew), a reset host, and
+// message pauses switched off.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <SimHost.h>
+
+#include <cstdlib>
+#include <string>
+
+class LoadedPlugin : public testing::Test {
+protected:
+    void SetUp() override {
+        setenv("STRAIGHTLUX_SLEEP_SCALE", "0", 1);
+        host().reset();
+        std::string error;
+        ASSERT_TRUE(plugin.load(STRAIGHTLUX_PLUGIN, &error, /*fresh=*/true)) << error;
+    }
+
+    static simhost::Host& host() { return simhost::Host::instance(); }
+
+    // Runs SparkInitialise and returns what it printed.
+    std::string initialise(const SparkInfoStruct& info, unsigned int* result = nullptr) {
+        testing::internal::CaptureStdout();
+        const unsigned int level = plugin.initialise(info);
+        if (result) *result = level;
+        return testing::internal::GetCapturedStdout();
+    }
+
+    simhost::Plugin plugin;
+};
