@@ -6,7 +6,7 @@
 #include "ControlZel.h"
 
 class AngleControlZel : public ControlZel {
-public:
+  public:
     AngleControlZel() = default;
 
     void Sync() override;
@@ -25,6 +25,6 @@ public:
 
     double value = 0.0;  // degrees, as of the last Sync
 
-private:
+  private:
     SparkFloatStruct* record() const { return static_cast<SparkFloatStruct*>(primary_); }
 };

@@ -5,7 +5,7 @@
 #include "ControlZel.h"
 
 class ButtonControlZel : public ControlZel {
-public:
+  public:
     ButtonControlZel() = default;
 
     void Disable(bool disabled) override;

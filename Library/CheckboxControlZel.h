@@ -8,7 +8,7 @@
 #include "ControlZel.h"
 
 class CheckboxControlZel : public ControlZel {
-public:
+  public:
     CheckboxControlZel() = default;
 
     void Sync() override;
@@ -29,7 +29,7 @@ public:
 
     bool value = false;  // as of the last Sync
 
-private:
+  private:
     char* valueByte() const { return static_cast<char*>(primary_); }
     ZelExclusionGroup* group() const { return static_cast<ZelExclusionGroup*>(third_); }
 

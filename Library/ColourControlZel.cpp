@@ -5,10 +5,10 @@
 #include "PixelZel.h"
 
 namespace {
-constexpr int kChannelShift = 7;           // 15-bit channel <-> 8-bit byte
+constexpr int kChannelShift = 7;  // 15-bit channel <-> 8-bit byte
 constexpr unsigned kByteMask = 0xFF;
 constexpr uint32_t kOpaqueAlpha = 0xFF000000u;  // top byte of every written word
-constexpr double kPercentPerStep = 2.55;     // 8-bit value per percent
+constexpr double kPercentPerStep = 2.55;        // 8-bit value per percent
 constexpr int kChannelCount = 3;
 
 unsigned packedByte(uint32_t word, int channel) { return (word >> (8 * channel)) & kByteMask; }
@@ -62,8 +62,8 @@ void ColourControlZel::SetValue(double /*time*/, unsigned short r, unsigned shor
     const unsigned steps[kChannelCount] = {static_cast<unsigned>(r) >> kChannelShift,
                                            static_cast<unsigned>(g) >> kChannelShift,
                                            static_cast<unsigned>(b) >> kChannelShift};
-    *word() = (steps[0] & kByteMask) | (steps[1] & kByteMask) << 8 |
-              (steps[2] & kByteMask) << 16 | kOpaqueAlpha;
+    *word() = (steps[0] & kByteMask) | (steps[1] & kByteMask) << 8 | (steps[2] & kByteMask) << 16 |
+              kOpaqueAlpha;
     // The percentage fields take the shifted channel before it is cut to a
     // byte; the swatch's own number is not updated.
     if (HasChannelFields()) {

@@ -8,7 +8,7 @@
 #include "ControlZel.h"
 
 class ColourControlZel : public ControlZel {
-public:
+  public:
     ColourControlZel() = default;
 
     void Sync() override;
@@ -35,6 +35,6 @@ public:
     unsigned short blue = 0;
     unsigned short alpha = 0;
 
-private:
+  private:
     unsigned long* word() const { return static_cast<unsigned long*>(primary_); }
 };

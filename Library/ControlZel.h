@@ -19,7 +19,7 @@
 constexpr int kZelTextCapacity = sizeof(SparkStringStruct::Value);
 
 class ControlZel {
-public:
+  public:
     ControlZel() = default;
     ControlZel(const ControlZel&) = delete;
     ControlZel& operator=(const ControlZel&) = delete;
@@ -47,7 +47,7 @@ public:
     // Set by every constructor; no control operation changes it.
     bool enabledByDefault = true;
 
-protected:
+  protected:
     // Controls are members of the plug-in object, never deleted through the base.
     ~ControlZel() = default;
 

@@ -10,7 +10,7 @@
 constexpr int kZelFileTextFieldOffset = 7;
 
 class FileControlZel : public ControlZel {
-public:
+  public:
     FileControlZel() = default;
 
     void Sync() override;
@@ -28,6 +28,6 @@ public:
 
     char* value = nullptr;
 
-private:
+  private:
     char* buffer() const { return static_cast<char*>(primary_); }
 };

@@ -6,7 +6,7 @@
 #include "ControlZel.h"
 
 class FloatControlZel : public ControlZel {
-public:
+  public:
     FloatControlZel() = default;
 
     void Sync() override;
@@ -27,6 +27,6 @@ public:
 
     double value = 0.0;  // as of the last Sync
 
-private:
+  private:
     SparkFloatStruct* record() const { return static_cast<SparkFloatStruct*>(primary_); }
 };

@@ -8,7 +8,7 @@
 #include "ControlZel.h"
 
 class IntegerControlZel : public ControlZel {
-public:
+  public:
     IntegerControlZel() = default;
 
     void Sync() override;
@@ -28,6 +28,6 @@ public:
 
     int32_t value = 0;  // as of the last Sync
 
-private:
+  private:
     SparkIntStruct* record() const { return static_cast<SparkIntStruct*>(primary_); }
 };

@@ -8,7 +8,7 @@
 #include "ControlZel.h"
 
 class ListControlZel : public ControlZel {
-public:
+  public:
     ListControlZel() = default;
 
     void Sync() override;
@@ -27,6 +27,6 @@ public:
 
     int32_t value = 1;  // 1-based item, as of the last Sync
 
-private:
+  private:
     SparkPupStruct* record() const { return static_cast<SparkPupStruct*>(primary_); }
 };

@@ -8,7 +8,7 @@
 #include "ControlZel.h"
 
 class PositionControlZel : public ControlZel {
-public:
+  public:
     PositionControlZel() = default;
 
     void Sync() override {}
@@ -33,7 +33,7 @@ public:
     double x = 0.0;  // fraction of the frame width
     double y = 0.0;  // fraction of the frame height
 
-private:
+  private:
     SparkFloatStruct* xRecord() const { return static_cast<SparkFloatStruct*>(primary_); }
     SparkFloatStruct* yRecord() const { return static_cast<SparkFloatStruct*>(second_); }
     ZelAuxPositionRange* saved() const { return static_cast<ZelAuxPositionRange*>(third_); }

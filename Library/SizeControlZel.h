@@ -7,7 +7,7 @@
 #include "ControlZel.h"
 
 class SizeControlZel : public ControlZel {
-public:
+  public:
     SizeControlZel() = default;
 
     void Sync() override;
@@ -27,6 +27,6 @@ public:
 
     double value = 0.0;  // fraction, as of the last Sync
 
-private:
+  private:
     SparkFloatStruct* record() const { return static_cast<SparkFloatStruct*>(primary_); }
 };

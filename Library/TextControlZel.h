@@ -6,7 +6,7 @@
 #include "ControlZel.h"
 
 class TextControlZel : public ControlZel {
-public:
+  public:
     TextControlZel() = default;
 
     void Sync() override;
@@ -23,6 +23,6 @@ public:
 
     char* value = nullptr;
 
-private:
+  private:
     char* buffer() const { return static_cast<char*>(primary_); }
 };
