@@ -132,6 +132,7 @@ int ImageXfmZel::scale_image(ImageZel* src, ImageZel* dst) {
     scaling.passDest = dst;
     scaling.radius = kernelRadius;
     scaling.kernelTable = kernel;
+    if (src == dst) return 1;
     if (src->width == dst->width && src->height == dst->height) {
         scaling.outCount = src->width;
         scaling.inCount = src->width;

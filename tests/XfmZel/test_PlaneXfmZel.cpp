@@ -154,29 +154,3 @@ TEST(XfmSvd, RecoversKnownSingularValuesAndFactors) {
         free_vector(w, 1, n);
     }
 }
-
-TEST(XfmSvd, BackSubstitutionSolvesASquareSystem) {
-    const int n = 3;
-    const double rows[n][n] = {{4, -2, 1}, {3, 6, -4}, {2, 1, 8}};
-    const double xTrue[n] = {1.5, -2, 0.25};
-    double** a = matrix(1, n, 1, n);
-    double* b = vector(1, n);
-    for (int i = 1; i <= n; ++i) {
-        b[i] = 0;
-        for (int j = 1; j <= n; ++j) {
-            a[i][j] = rows[i - 1][j - 1];
-            b[i] += a[i][j] * xTrue[j - 1];
-        }
-    }
-    double* w = vector(1, n);
-    double* x = vector(1, n);
-    double** v = matrix(1, n, 1, n);
-    ASSERT_EQ(svdcmp(a, n, n, w, v), 0);
-    svbksb(a, w, v, n, n, b, x);
-    for (int j = 1; j <= n; ++j) EXPECT_NEAR(x[j], xTrue[j - 1], 1e-12);
-    free_matrix(a, 1, n, 1, n);
-    free_matrix(v, 1, n, 1, n);
-    free_vector(b, 1, n);
-    free_vector(w, 1, n);
-    free_vector(x, 1, n);
-}
