@@ -29,5 +29,15 @@ protected:
         return testing::internal::GetCapturedStdout();
     }
 
+    // Selects "View: Input" (menu index 1 of control 24), under which the
+    // plug-in copies its input unchanged, so frames show the driver's own
+    // conversions. False while the plug-in does not export that record.
+    bool showInputView() {
+        SparkPupStruct* view = plugin.record<SparkPupStruct>("SparkPup24");
+        if (view == nullptr) return false;
+        view->Value = 1;
+        return true;
+    }
+
     simhost::Plugin plugin;
 };
