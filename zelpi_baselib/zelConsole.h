@@ -6,14 +6,14 @@
 constexpr int kZelConsoleBytes = 1036;
 
 class Console {
-public:
+  public:
     static Console& get();
 
     void out(const char* text);
     void printf(const char* format, ...) __attribute__((format(__printf__, 2, 3)));
     void logprintf(const char* format, ...) __attribute__((format(__printf__, 2, 3)));
 
-private:
+  private:
     Console() = default;
     void echo(const char* text);
 };

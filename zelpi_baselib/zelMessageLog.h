@@ -28,7 +28,7 @@ constexpr int kZelMessageBytes = 4096;
 constexpr int kZelFacilityBytes = 80;
 
 class zelMessageLog {
-public:
+  public:
     constexpr explicit zelMessageLog(FILE* stream) : stream_(stream) {}
 
     void setFile(FILE* stream);
@@ -44,7 +44,7 @@ public:
     void zel_msgcont(const char* format, ...);
     void zel_msg_print(int level);
 
-private:
+  private:
     void useStandardErrorIfUnset();
     double secondsSinceMidnight();
 
