@@ -70,3 +70,15 @@ void end_use_lea_allocator_for_normal_allocs();
 void end_use_lea_allocator_for_image_allocs();
 void use_zelDynamicStore_for_normal_allocs();
 void use_zelDynamicStore_for_image_allocs();
+void end_use_zelDynamicStore_for_normal_allocs();
+void end_use_zelDynamicStore_for_image_allocs();
+// Both ready-made allocators keep their arenas after they are ended, so blocks
+// made while one was installed may be freed or resized at any later time.
+
+// Logs the report headed "ZEL-DYNAMIC-STORE ALLOCATOR REPORT".
+void output_zelDynamicStore_normal_report();
+void output_zelDynamicStore_image_report();
+
+// Whether a block lies in one of the ready-made allocators' arenas.
+bool lea_allocator_owns_block(const void* block);
+bool zelDynamicStore_owns_block(const void* block);
