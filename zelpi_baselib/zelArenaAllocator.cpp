@@ -15,6 +15,8 @@ constexpr size_t kFlags = kAlignment - 1;
 // Free chunks at least this long give their pages back to the system.
 constexpr size_t kDiscardBytes = size_t(1) << 20;
 constexpr size_t kMinimumReserve = size_t(64) << 20;
+// Chunks looked at in a bin above the request's; bounds the time of a search.
+constexpr int kLaterBinScan = 16;
 
 }  // namespace
 
@@ -69,16 +71,23 @@ int zelArenaAllocator::nextNonEmptyBin(int from) const {
 }
 
 // Best fit in the request's own bin; any chunk of a later bin is big enough,
-// and the smallest of them is taken.
+// and the smallest of its first few is taken. Small bins hold one size only.
 zelArenaAllocator::Chunk* zelArenaAllocator::takeFit(size_t need) {
     int bin = binOf(need);
     Chunk* best = nullptr;
-    for (Chunk* c = bins_[bin]; c; c = c->next)
-        if (sizeOf(c) >= need && (!best || sizeOf(c) < sizeOf(best))) best = c;
+    if (bin < kSmallBins) {
+        best = bins_[bin];
+    } else {
+        for (Chunk* c = bins_[bin]; c; c = c->next) {
+            if (sizeOf(c) >= need && (!best || sizeOf(c) < sizeOf(best))) best = c;
+            if (best && sizeOf(best) == need) break;
+        }
+    }
     if (!best) {
         int later = nextNonEmptyBin(bin + 1);
         if (later < 0) return nullptr;
-        for (Chunk* c = bins_[later]; c; c = c->next)
+        int looked = 0;
+        for (Chunk* c = bins_[later]; c && looked < kLaterBinScan; c = c->next, ++looked)
             if (!best || sizeOf(c) < sizeOf(best)) best = c;
     }
     unlink(best);
