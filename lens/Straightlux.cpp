@@ -81,8 +81,8 @@ void Straightlux::ProcessFrame() {
         for (int32_t j = 0; j < height; ++j) {
             PixelZel* row = out->rows[j];
             for (int32_t i = 0; i < width; ++i, entry += 2) {
-                row[i] = xfm->sample_image(*in, entry[0], entry[1], kPointFootprint,
-                                           kPointFootprint);
+                row[i] =
+                    xfm->sample_image(*in, entry[0], entry[1], kPointFootprint, kPointFootprint);
             }
         }
 
@@ -121,6 +121,6 @@ void Straightlux::SaveControlValues() {
     dirty = false;
     savedWidth = width;
     savedHeight = height;
-    saved = SavedValues{centreX, centreY, normScale, squeeze, radial1,  radial2,
-                        xCurvature, yCurvature, sampling, magnify, mode};
+    saved = SavedValues{centreX,    centreY,    normScale, squeeze, radial1, radial2,
+                        xCurvature, yCurvature, sampling,  magnify, mode};
 }

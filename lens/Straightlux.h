@@ -28,7 +28,7 @@ class PolyLineSet2DZel;
 // HandleInteraction reach the plug-in) is added by the overlay work as the
 // second base class, after PluginZel.
 class Straightlux : public PluginZel, public StraightluxModel {
-public:
+  public:
     Straightlux();
     // Releases the map, scratch, lines and error points; not xfm (see the definition).
     ~Straightlux() override;
@@ -76,10 +76,10 @@ public:
     int32_t savedHeight = -1;
     float frameAspect = 1.0f;  // the result image's pixel aspect and second scale, copied per frame
     float frameScale = 1.0f;
-    bool dirty = true;    // forces the next frame to rebuild the map
-    float penX = 0.75f;   // last pointer position over the viewer, fractions of the frame
+    bool dirty = true;   // forces the next frame to rebuild the map
+    float penX = 0.75f;  // last pointer position over the viewer, fractions of the frame
     float penY = 0.25f;
-    bool newLine = true;  // the next "Add Line" click starts a new polyline
+    bool newLine = true;                       // the next "Add Line" click starts a new polyline
     int32_t lastLineEdit = kLineEditNoAction;  // "LineEdit" value seen by the last callback
     int32_t sampling = kSamplingSharpCubic;    // "Sampling" entry, the resampler's mode
     float magnify = 1.0f;
@@ -94,7 +94,7 @@ public:
     tagDPT2* errorPoints = nullptr;        // mapped points of the last measurement, pixels
     int32_t errorPointCount = 0;
 
-private:
+  private:
     void FreeErrorPoints();
     // One-dimensional compass search of radial2 (second) or radial1 from start.
     double CompassSearch(double start, bool second);

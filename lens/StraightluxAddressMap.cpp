@@ -29,7 +29,8 @@ void Straightlux::ComputeAddressMap(bool add) {
 
     const size_t entries = static_cast<size_t>(width) * static_cast<size_t>(height);
     if (addressMap == nullptr) {
-        addressMap = static_cast<float*>(ZEL_IMAGE_MALLOC(kStraightluxSource, entries * kEntryBytes));
+        addressMap =
+            static_cast<float*>(ZEL_IMAGE_MALLOC(kStraightluxSource, entries * kEntryBytes));
     }
     if (scratch == nullptr) scratch = new ImageZel(width, height, 1.0f, nullptr, nullptr);
     // No map: the output keeps what the host gave it; the next frame tries again.
@@ -44,8 +45,8 @@ void Straightlux::ComputeAddressMap(bool add) {
         for (int32_t j = 0; j < height; ++j) {
             for (int32_t i = 0; i < width; ++i, entry += 2) {
                 tagDPT2 source = {0.0, 0.0};
-                if (MapDistortedToUndistorted(tagDPT2{static_cast<double>(i), static_cast<double>(j)},
-                                              source) < 0) {
+                if (MapDistortedToUndistorted(
+                        tagDPT2{static_cast<double>(i), static_cast<double>(j)}, source) < 0) {
                     // A failed inverse samples the top-left pixel.
                     source = tagDPT2{0.0, 0.0};
                 }

@@ -10,7 +10,13 @@
 #include "PositionControlZel.h"
 
 // "Sampling" entries: the resampler's modes 1..5.
-enum StraightluxSampling { kSamplingNearest = 1, kSamplingLinear, kSamplingCubic, kSamplingSharpCubic, kSamplingBSpline };
+enum StraightluxSampling {
+    kSamplingNearest = 1,
+    kSamplingLinear,
+    kSamplingCubic,
+    kSamplingSharpCubic,
+    kSamplingBSpline
+};
 // "LineEdit" entries.
 enum StraightluxLineEdit {
     kLineEditNoAction = 1,

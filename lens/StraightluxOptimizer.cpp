@@ -93,7 +93,8 @@ bool Straightlux::OptimizeK1K2() {
     if (!measurable) return false;
 
     FreeErrorPoints();
-    errorPoints = static_cast<tagDPT2*>(ZEL_MALLOC(kStraightluxSource, pointTotal * sizeof(tagDPT2)));
+    errorPoints =
+        static_cast<tagDPT2*>(ZEL_MALLOC(kStraightluxSource, pointTotal * sizeof(tagDPT2)));
     if (errorPoints != nullptr) errorPointCount = static_cast<int32_t>(pointTotal);
 
     // Start from the plain radial model about the frame centre; the squeeze stays.
