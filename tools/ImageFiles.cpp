@@ -77,7 +77,10 @@ RunStatus readImage(const std::string& path, int requestedDepth, FilePixels* pic
     if (access(path.c_str(), R_OK) != 0)
         return inputFailure("cannot read input " + path + ": " + std::strerror(errno));
 
-    auto in = OIIO::ImageInput::open(path);
+    // The colour as stored in the file: no premultiplying by an alpha that is dropped anyway.
+    OIIO::ImageSpec config;
+    config.attribute("oiio:UnassociatedAlpha", 1);
+    auto in = OIIO::ImageInput::open(path, &config);
     if (!in) return inputFailure("cannot read input " + path + ": " + oiioError());
     const OIIO::ImageSpec& spec = in->spec();
     if (spec.deep) return inputFailure("unsupported input " + path + ": deep image");

@@ -32,7 +32,9 @@ RunStatus SparkSession::load(const std::string& pluginPath) {
     bool loaded;
     {
         PluginConsole console(quiet_);
-        loaded = plugin_.load(pluginPath, &error);
+        // dlopen searches the library path for a name without a slash; a user means a file.
+        const bool bare = pluginPath.find('/') == std::string::npos;
+        loaded = plugin_.load(bare ? "./" + pluginPath : pluginPath, &error);
     }
     if (!loaded) return RunStatus::failure(ExitCode::Plugin, "cannot load plug-in: " + error);
     if (!plugin_.symbol("SparkProcess"))

@@ -1,0 +1,70 @@
+// A small Spark plug-in whose output shows its control values, so that the
+// tool's control handling can be checked end to end without the lens core.
+// Each channel v (0..255 or 0..4095) becomes min(full, v * Gain / 100),
+// truncated; "Channels: Red Only" zeroes green and blue; "Invert" turns v into
+// full - v. At the frame named by "Fail Frame" (0: never) it returns null.
+#include <spark.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+extern "C" {
+__attribute__((visibility("default"))) SparkFloatStruct SparkFloat6 = {
+    100.0f, 0.0f, 200.0f, 0.1f, 0, const_cast<char*>("Gain: %.1f"), nullptr};
+__attribute__((visibility("default"))) SparkFloatStruct SparkFloat9 = {
+    0.0f, 0.0f, 100000.0f, 1.0f, 0, const_cast<char*>("Fail Frame: %.0f"), nullptr};
+__attribute__((visibility("default"))) SparkPupStruct SparkPup17 = {
+    0, 2, nullptr, {const_cast<char*>("Channels: All  "), const_cast<char*>("Channels: Red Only  ")}};
+__attribute__((visibility("default"))) SparkBooleanStruct SparkBoolean28 = {
+    0, const_cast<char*>("Invert"), nullptr};
+__attribute__((visibility("default"))) SparkPupStruct SparkPup33 = {
+    0, 2, nullptr, {const_cast<char*>("FULL"), const_cast<char*>("1/2")}};
+__attribute__((visibility("default"))) SparkPushStruct SparkPush21 = {
+    const_cast<char*>("Clear   "), nullptr};
+
+static int deep = 0;
+
+__attribute__((visibility("default"))) unsigned int SparkInitialise(SparkInfoStruct info) {
+    deep = info.FrameDepth == 48;
+    std::puts("probe plug-in started");
+    sparkLoadSetup(info.Name);
+    return SPARK_MODULE;
+}
+
+__attribute__((visibility("default"))) void SparkUnInitialise(SparkInfoStruct info) {
+    sparkSaveSetup(info.Name);
+}
+
+__attribute__((visibility("default"))) int SparkClips(void) { return 1; }
+
+__attribute__((visibility("default"))) int SparkProcessStart(SparkInfoStruct) { return 1; }
+
+__attribute__((visibility("default"))) unsigned long* SparkProcess(SparkInfoStruct info) {
+    SparkMemBufStruct input, output;
+    if (!sparkMemGetBuffer(2, &input) || !sparkMemGetBuffer(1, &output)) return nullptr;
+    if (SparkFloat9.Value > 0.0f && info.FrameNo == static_cast<unsigned>(SparkFloat9.Value)) {
+        sparkError(const_cast<char*>("probe: failing as asked"));
+        return nullptr;
+    }
+    const int full = deep ? 4095 : 255;
+    const long samples = static_cast<long>(info.FrameWidth) * info.FrameHeight * 3;
+    const auto* inBytes = reinterpret_cast<const unsigned char*>(input.Buffer);
+    auto* outBytes = reinterpret_cast<unsigned char*>(output.Buffer);
+    for (long i = 0; i < samples; ++i) {
+        unsigned short word = 0;
+        if (deep) std::memcpy(&word, inBytes + 2 * i, 2);
+        int v = deep ? word >> 4 : inBytes[i];
+        v = std::min(full, static_cast<int>(v * static_cast<double>(SparkFloat6.Value) / 100.0));
+        if (SparkPup17.Value == 1 && i % 3 != 0) v = 0;
+        if (SparkBoolean28.Value) v = full - v;
+        if (deep) {
+            word = static_cast<unsigned short>(v << 4);
+            std::memcpy(outBytes + 2 * i, &word, 2);
+        } else {
+            outBytes[i] = static_cast<unsigned char>(v);
+        }
+    }
+    return output.Buffer;
+}
+}  // extern "C"
