@@ -156,7 +156,8 @@ ControlTable::ControlTable(const std::vector<simhost::Plugin::RecordRef>& record
             const int count = std::clamp(record->TitleCount, 0, SPARK_MAX_PUP_TITLES);
             const std::string first = count > 0 ? safeText(record->Titles[0]) : "";
             std::string prefix;
-            if (first.find(':') != std::string::npos) prefix = trimmed(first.substr(0, first.find(':')));
+            if (first.find(':') != std::string::npos)
+                prefix = trimmed(first.substr(0, first.find(':')));
             for (int i = 0; i < count; ++i)
                 control.entries.push_back(entryValue(safeText(record->Titles[i]), prefix));
             control.name = prefix;
@@ -259,8 +260,8 @@ RunStatus ControlTable::assign(const Control& control, const std::string& text) 
                     return RunStatus::success();
                 }
             }
-            return usage(control.name + " has no entry \"" + value + "\"; its entries are: " +
-                         joined(control.entries, ", "));
+            return usage(control.name + " has no entry \"" + value +
+                         "\"; its entries are: " + joined(control.entries, ", "));
         }
         case ControlKind::Check: {
             const std::string flag = lowered(value);
@@ -270,8 +271,8 @@ RunStatus ControlTable::assign(const Control& control, const std::string& text) 
             } else if (flag == "off" || flag == "0" || flag == "no" || flag == "false") {
                 on = 0;
             } else {
-                return usage(control.name + " is a check box: use on, off, 1 or 0, not \"" +
-                             value + "\"");
+                return usage(control.name + " is a check box: use on, off, 1 or 0, not \"" + value +
+                             "\"");
             }
             static_cast<SparkBooleanStruct*>(control.record)->Value = on;
             return RunStatus::success();
@@ -293,7 +294,8 @@ RunStatus ControlTable::assign(const Control& control, const std::string& text) 
             static_cast<SparkColorStruct*>(control.record)->Color = number;
             return RunStatus::success();
         }
-        case ControlKind::Button: break;
+        case ControlKind::Button:
+            break;
     }
     return usage(control.name + " holds no value to set");
 }
@@ -314,13 +316,13 @@ RunStatus ControlTable::parseKey(const std::string& text, const Control** contro
                                  float* value) const {
     const size_t equals = text.find('=');
     const size_t at = equals == std::string::npos ? std::string::npos : text.rfind('@', equals);
-    if (at == std::string::npos)
-        return usage("--key takes NAME@FRAME=VALUE, not \"" + text + "\"");
+    if (at == std::string::npos) return usage("--key takes NAME@FRAME=VALUE, not \"" + text + "\"");
     const Control* found = nullptr;
     RunStatus status = find(text.substr(0, at), &found);
     if (!status.ok()) return status;
     if (found->kind != ControlKind::Float)
-        return usage(found->name + " is not an animatable number field; only float fields take keys");
+        return usage(found->name +
+                     " is not an animatable number field; only float fields take keys");
     long keyFrame = 0;
     if (!parseLong(text.substr(at + 1, equals - at - 1), &keyFrame) || keyFrame < 0 ||
         keyFrame > INT_MAX)
@@ -377,7 +379,8 @@ std::string ControlTable::valueText(const Control& control) const {
         }
         case ControlKind::Colour:
             return std::to_string(static_cast<SparkColorStruct*>(control.record)->Color);
-        case ControlKind::Button: break;
+        case ControlKind::Button:
+            break;
     }
     return "";
 }
@@ -401,11 +404,21 @@ std::string ControlTable::listing() const {
                              : "whole number";
                 break;
             }
-            case ControlKind::Menu: detail = "menu: " + joined(control.entries, " | "); break;
-            case ControlKind::Check: detail = "check box: on | off"; break;
-            case ControlKind::Text: detail = "text"; break;
-            case ControlKind::Colour: detail = "colour number"; break;
-            case ControlKind::Button: detail = "push button, no value"; break;
+            case ControlKind::Menu:
+                detail = "menu: " + joined(control.entries, " | ");
+                break;
+            case ControlKind::Check:
+                detail = "check box: on | off";
+                break;
+            case ControlKind::Text:
+                detail = "text";
+                break;
+            case ControlKind::Colour:
+                detail = "colour number";
+                break;
+            case ControlKind::Button:
+                detail = "push button, no value";
+                break;
         }
         if (control.kind != ControlKind::Button) head += " = " + valueText(control);
         head.resize(std::max(head.size() + 2, kListNameWidth), ' ');

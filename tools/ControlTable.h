@@ -16,12 +16,12 @@
 // and before each frame every keyed float record gets its curve's value.
 #pragma once
 
-#include "RunStatus.h"
-
 #include <SimHost.h>
 
 #include <string>
 #include <vector>
+
+#include "RunStatus.h"
 
 enum class ControlKind { Float, Integer, Menu, Check, Text, Colour, Button };
 
@@ -29,14 +29,14 @@ struct Control {
     ControlKind kind = ControlKind::Float;
     std::string recordKind;  // "Float", "UserFloat", "Pup", ...
     int number = 0;
-    std::string symbol;      // "SparkFloat6"
+    std::string symbol;  // "SparkFloat6"
     void* record = nullptr;
     std::string name;
     std::vector<std::string> entries;  // menus: the value text of each entry
 };
 
 class ControlTable {
-public:
+  public:
     explicit ControlTable(const std::vector<simhost::Plugin::RecordRef>& records);
 
     const std::vector<Control>& controls() const { return controls_; }
@@ -62,7 +62,7 @@ public:
     // One line per control: name, value, range or entries, symbol.
     std::string listing() const;
 
-private:
+  private:
     RunStatus assign(const Control& control, const std::string& value) const;
     std::string validNames() const;
 

@@ -110,17 +110,16 @@ bool parseFrameRange(const std::string& text, std::vector<unsigned>* frames, std
     const size_t dash = text.find('-');
     unsigned first = 0;
     unsigned last = 0;
-    bool fine = dash == std::string::npos
-                    ? parseFrame(text, &first) && (last = first, true)
-                    : parseFrame(text.substr(0, dash), &first) &&
-                          parseFrame(text.substr(dash + 1), &last);
+    bool fine = dash == std::string::npos ? parseFrame(text, &first) && (last = first, true)
+                                          : parseFrame(text.substr(0, dash), &first) &&
+                                                parseFrame(text.substr(dash + 1), &last);
     if (!fine || first > last) {
         *error = "bad frame range \"" + text + "\": use A-B with 0 <= A <= B, or one frame";
         return false;
     }
     if (last - first >= kMaxFrameCount) {
-        *error = "frame range \"" + text + "\" holds more than " +
-                 std::to_string(kMaxFrameCount) + " frames";
+        *error = "frame range \"" + text + "\" holds more than " + std::to_string(kMaxFrameCount) +
+                 " frames";
         return false;
     }
     frames->clear();

@@ -11,7 +11,7 @@
 #include <vector>
 
 class FramePattern {
-public:
+  public:
     // Parses name; a name with two marks, or a malformed % field, is refused.
     static bool parse(const std::string& name, FramePattern* pattern, std::string* error);
 
@@ -22,7 +22,7 @@ public:
     // Frame numbers of the files in the folder that match, ascending.
     std::vector<unsigned> existingFrames() const;
 
-private:
+  private:
     std::string prefix_;  // folder and name before the mark, or the whole name
     std::string suffix_;
     int padding_ = 0;

@@ -7,6 +7,7 @@
 namespace {
 const int kBytesPerPixel8 = 3;
 const int kBytesPerPixel12 = 6;
+const size_t kWordBytes = 2;  // one 12-bit host sample
 
 float unitClamped(float f) {
     if (std::isnan(f) || f < 0.0f) return 0.0f;
@@ -44,7 +45,7 @@ void fillHostFrame(const FilePixels& picture, int depth, unsigned char* buffer) 
         for (size_t i = 0; i < samples; ++i) {
             const int v = picture.isFloat ? twelveFromFloat(picture.reals[i])
                                           : twelveFromSixteen(picture.words[i]);
-            storeWord(buffer + 2 * i, static_cast<uint16_t>(v << kTwelveBitShift));
+            storeWord(buffer + kWordBytes * i, static_cast<uint16_t>(v << kTwelveBitShift));
         }
     } else {
         for (size_t i = 0; i < samples; ++i) {
@@ -57,9 +58,12 @@ void fillHostFrame(const FilePixels& picture, int depth, unsigned char* buffer) 
 
 const void* RgbSamples::data() const {
     switch (type) {
-        case SampleType::Eight: return eights.data();
-        case SampleType::Sixteen: return sixteens.data();
-        case SampleType::Float: return floats.data();
+        case SampleType::Eight:
+            return eights.data();
+        case SampleType::Sixteen:
+            return sixteens.data();
+        case SampleType::Float:
+            return floats.data();
     }
     return nullptr;
 }
@@ -68,17 +72,22 @@ RgbSamples readHostFrame(const unsigned char* buffer, int width, int height, int
                          SampleType type) {
     RgbSamples result;
     result.type = type;
-    const size_t samples =
-        static_cast<size_t>(width) * static_cast<size_t>(height) * kRgbChannels;
+    const size_t samples = static_cast<size_t>(width) * static_cast<size_t>(height) * kRgbChannels;
     const bool deep = depth == kHostDepth12;
     switch (type) {
-        case SampleType::Eight: result.eights.resize(samples); break;
-        case SampleType::Sixteen: result.sixteens.resize(samples); break;
-        case SampleType::Float: result.floats.resize(samples); break;
+        case SampleType::Eight:
+            result.eights.resize(samples);
+            break;
+        case SampleType::Sixteen:
+            result.sixteens.resize(samples);
+            break;
+        case SampleType::Float:
+            result.floats.resize(samples);
+            break;
     }
     for (size_t i = 0; i < samples; ++i) {
         // The low 4 bits of a 12-bit word carry no picture value.
-        const int v = deep ? loadWord(buffer + 2 * i) >> kTwelveBitShift : buffer[i];
+        const int v = deep ? loadWord(buffer + kWordBytes * i) >> kTwelveBitShift : buffer[i];
         switch (type) {
             case SampleType::Eight:
                 result.eights[i] = static_cast<uint8_t>(deep ? eightFromTwelve(v) : v);

@@ -17,10 +17,10 @@
 // 65535) after a 12-bit round trip; an 8-bit file comes back exactly.
 #pragma once
 
-#include "FilePixels.h"
-
 #include <cstdint>
 #include <vector>
+
+#include "FilePixels.h"
 
 const int kHostDepth8 = 24;   // bits per pixel of the 8-bit host format
 const int kHostDepth12 = 48;  // bits per pixel of the 12-bit host format

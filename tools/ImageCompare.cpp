@@ -1,11 +1,11 @@
 // Comparing pictures and putting them side by side.
 #include "ImageCompare.h"
 
-#include "HostPixels.h"
-#include "ImageFiles.h"
-
 #include <algorithm>
 #include <cmath>
+
+#include "HostPixels.h"
+#include "ImageFiles.h"
 
 namespace {
 const int kGapPixels = 8;

@@ -4,9 +4,9 @@
 // Differences are in 8-bit levels (0..255) whatever the files' depth.
 #pragma once
 
-#include "RunStatus.h"
-
 #include <string>
+
+#include "RunStatus.h"
 
 // Mean of |a - b| over red, green and blue of the pixels at least
 // marginPercent of the width (height) away from the left and right (top and

@@ -68,11 +68,9 @@ int hostDepthFor(int fileBits, bool isFloat, int requestedDepth) {
     return isFloat || fileBits > kEightBits ? kHostDepth12 : kHostDepth8;
 }
 
-RunStatus readImage(const std::string& path, int requestedDepth, FilePixels* picture,
-                    int* depth) {
+RunStatus readImage(const std::string& path, int requestedDepth, FilePixels* picture, int* depth) {
     struct stat status;
-    if (stat(path.c_str(), &status) != 0)
-        return inputFailure("input file not found: " + path);
+    if (stat(path.c_str(), &status) != 0) return inputFailure("input file not found: " + path);
     if (!S_ISREG(status.st_mode)) return inputFailure("input is not a file: " + path);
     if (access(path.c_str(), R_OK) != 0)
         return inputFailure("cannot read input " + path + ": " + std::strerror(errno));
@@ -82,35 +80,35 @@ RunStatus readImage(const std::string& path, int requestedDepth, FilePixels* pic
     config.attribute("oiio:UnassociatedAlpha", 1);
     auto in = OIIO::ImageInput::open(path, &config);
     if (!in) return inputFailure("cannot read input " + path + ": " + oiioError());
-    const OIIO::ImageSpec& spec = in->spec();
-    if (spec.deep) return inputFailure("unsupported input " + path + ": deep image");
-    if (spec.depth > 1) return inputFailure("unsupported input " + path + ": volume image");
-    if (spec.nchannels < 1) return inputFailure("unsupported input " + path + ": no channels");
+    const OIIO::ImageSpec& header = in->spec();
+    if (header.deep) return inputFailure("unsupported input " + path + ": deep image");
+    if (header.depth > 1) return inputFailure("unsupported input " + path + ": volume image");
+    if (header.nchannels < 1) return inputFailure("unsupported input " + path + ": no channels");
 
-    const bool isFloat = spec.format.is_floating_point();
-    const int bits = spec.get_int_attribute("oiio:BitsPerSample",
-                                            static_cast<int>(spec.format.size()) * kEightBits);
+    const bool isFloat = header.format.is_floating_point();
+    const int bits = header.get_int_attribute("oiio:BitsPerSample",
+                                              static_cast<int>(header.format.size()) * kEightBits);
     const int useDepth = hostDepthFor(bits, isFloat, requestedDepth);
-    const std::string size = std::to_string(spec.width) + "x" + std::to_string(spec.height);
-    if (spec.width < 1 || spec.height < 1 || spec.width > kMaxFrameSide ||
-        spec.height > kMaxFrameSide)
+    const std::string size = std::to_string(header.width) + "x" + std::to_string(header.height);
+    if (header.width < 1 || header.height < 1 || header.width > kMaxFrameSide ||
+        header.height > kMaxFrameSide)
         return inputFailure("input " + path + " is " + size + ": a frame must be 1 to " +
                             std::to_string(kMaxFrameSide) + " pixels on each side");
-    const size_t bytes = hostFrameBytes(spec.width, spec.height, useDepth);
+    const size_t bytes = hostFrameBytes(header.width, header.height, useDepth);
     if (bytes > static_cast<size_t>(kMaxFrameBytes))
         return inputFailure("input " + path + " is " + size + ": its host frame would need " +
                             std::to_string(bytes) + " bytes, more than the host's limit of " +
                             std::to_string(kMaxFrameBytes));
 
     FilePixels read;
-    read.width = spec.width;
-    read.height = spec.height;
+    read.width = header.width;
+    read.height = header.height;
     read.isFloat = isFloat;
     read.bitsPerSample = bits;
-    read.pixelAspect = spec.get_float_attribute("PixelAspectRatio", 1.0f);
+    read.pixelAspect = header.get_float_attribute("PixelAspectRatio", 1.0f);
     // Grey (with or without alpha) reads one channel; colour reads the first three.
-    const int channels = spec.nchannels >= kRgbChannels ? kRgbChannels : 1;
-    const size_t pixels = static_cast<size_t>(spec.width) * static_cast<size_t>(spec.height);
+    const int channels = header.nchannels >= kRgbChannels ? kRgbChannels : 1;
+    const size_t pixels = static_cast<size_t>(header.width) * static_cast<size_t>(header.height);
     bool fine;
     if (isFloat) {
         read.reals.resize(pixels * channels);
@@ -133,7 +131,8 @@ RunStatus readImage(const std::string& path, int requestedDepth, FilePixels* pic
 }
 
 RunStatus checkOutputPath(const std::string& path) {
-    if (path.empty() || path.back() == '/') return outputFailure("output is not a file name: " + path);
+    if (path.empty() || path.back() == '/')
+        return outputFailure("output is not a file name: " + path);
     const std::string folder = folderOf(path);
     struct stat status;
     if (stat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode))
@@ -161,12 +160,12 @@ RunStatus writeImage(const std::string& path, int width, int height, const RgbSa
     OIIO::TypeDesc type = OIIO::TypeDesc::UINT8;
     if (result.type == SampleType::Sixteen) type = OIIO::TypeDesc::UINT16;
     if (result.type == SampleType::Float) type = OIIO::TypeDesc::FLOAT;
-    OIIO::ImageSpec spec(width, height, kRgbChannels, type);
+    OIIO::ImageSpec header(width, height, kRgbChannels, type);
 
     // Same folder, so the rename is atomic; same extension, for writers that look at it.
-    const std::string temporary = folderOf(path) + "/" + kTempPrefix +
-                                  std::to_string(getpid()) + "-" + baseOf(path);
-    bool fine = out->open(temporary, spec) && out->write_image(type, result.data());
+    const std::string temporary =
+        folderOf(path) + "/" + kTempPrefix + std::to_string(getpid()) + "-" + baseOf(path);
+    bool fine = out->open(temporary, header) && out->write_image(type, result.data());
     fine = out->close() && fine;
     if (!fine) {
         std::string text = out->geterror();

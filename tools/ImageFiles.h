@@ -9,11 +9,11 @@
 // renamed into place only when complete, so a failure leaves no file.
 #pragma once
 
+#include <string>
+
 #include "FilePixels.h"
 #include "HostPixels.h"
 #include "RunStatus.h"
-
-#include <string>
 
 const int kMaxFrameSide = 32768;
 const long long kMaxFrameBytes = 2147483647LL;  // largest int
@@ -24,8 +24,7 @@ int hostDepthFor(int fileBits, bool isFloat, int requestedDepth);
 
 // Reads path. The size limits are checked against the host depth that will be
 // used (requestedDepth, or the file's own when 0), reported in *depth.
-RunStatus readImage(const std::string& path, int requestedDepth, FilePixels* picture,
-                    int* depth);
+RunStatus readImage(const std::string& path, int requestedDepth, FilePixels* picture, int* depth);
 
 // Checks before any work that path can be written: its folder exists and is
 // writable and OpenImageIO has a writer for its extension.

@@ -6,13 +6,13 @@
 #pragma once
 
 class PluginConsole {
-public:
+  public:
     explicit PluginConsole(bool quiet);
     ~PluginConsole();
     PluginConsole(const PluginConsole&) = delete;
     PluginConsole& operator=(const PluginConsole&) = delete;
 
-private:
+  private:
     bool quiet_;
     int savedOut_ = -1;
     int savedErr_ = -1;

@@ -5,14 +5,14 @@
 #pragma once
 
 class ProgressBar {
-public:
+  public:
     explicit ProgressBar(int totalFrames);
     // After a frame: done frames so far and the number of the last one.
     void advance(int done, unsigned frame);
     // Ends the line (also after a failure, so that a message starts clean).
     void finish();
 
-private:
+  private:
     int total_;
     bool shown_;
     bool drawn_ = false;

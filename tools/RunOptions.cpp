@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "HostPixels.h"
+
 namespace {
 const int kMaxProcessors = 64;  // the host record holds the count in a signed byte
 
@@ -101,11 +103,14 @@ RunStatus parseCommandLine(int argc, char** argv, RunOptions* options) {
             if (argument == "--help") options->mode = RunMode::Help;
             if (argument == "--verbose") options->verbose = true;
             if (argument == "--quiet") options->quiet = true;
-            if (argument == "--list-controls" && !setMode(options, RunMode::ListControls, argument, &status))
+            if (argument == "--list-controls" &&
+                !setMode(options, RunMode::ListControls, argument, &status))
                 return status;
-            if (argument == "--make-chart" && !setMode(options, RunMode::MakeChart, argument, &status))
+            if (argument == "--make-chart" &&
+                !setMode(options, RunMode::MakeChart, argument, &status))
                 return status;
-            if (argument == "--side-by-side" && !setMode(options, RunMode::SideBySide, argument, &status))
+            if (argument == "--side-by-side" &&
+                !setMode(options, RunMode::SideBySide, argument, &status))
                 return status;
             if (argument == "--compare" && !setMode(options, RunMode::Compare, argument, &status))
                 return status;
@@ -121,7 +126,7 @@ RunStatus parseCommandLine(int argc, char** argv, RunOptions* options) {
             int bits = 0;
             if (!parseInt(value, &bits) || (bits != 8 && bits != 12))
                 return usage("--depth takes 8 or 12, not \"" + value + "\"");
-            options->depth = bits == 8 ? 24 : 48;
+            options->depth = bits == 8 ? kHostDepth8 : kHostDepth12;
         } else if (argument == "--frames") {
             options->frames = value;
         } else if (argument == "--set") {

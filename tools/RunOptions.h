@@ -5,10 +5,10 @@
 // arguments are the input and output (or the files of a utility mode).
 #pragma once
 
-#include "RunStatus.h"
-
 #include <string>
 #include <vector>
+
+#include "RunStatus.h"
 
 enum class RunMode { Process, ListControls, MakeChart, SideBySide, Compare, Help };
 

@@ -1,11 +1,11 @@
 // Driving a plug-in through the simulated host.
 #include "SparkSession.h"
 
-#include "HostPixels.h"
-#include "PluginConsole.h"
-
 #include <cstdio>
 #include <vector>
+
+#include "HostPixels.h"
+#include "PluginConsole.h"
 
 namespace {
 const int kOutputBufferId = 1;
@@ -45,8 +45,7 @@ RunStatus SparkSession::load(const std::string& pluginPath) {
 
 SparkInfoStruct SparkSession::infoFor(unsigned frame, unsigned totalFrames,
                                       const std::string& name) const {
-    SparkInfoStruct info =
-        simhost::Host::instance().makeInfo(width_, height_, depth_, frame, name);
+    SparkInfoStruct info = simhost::Host::instance().makeInfo(width_, height_, depth_, frame, name);
     info.TotalFrameNo = totalFrames;
     info.Context = kNoContext;
     return info;
@@ -95,9 +94,8 @@ RunStatus SparkSession::start(int width, int height, int depth, float pixelAspec
         return RunStatus::failure(ExitCode::Plugin,
                                   "the plug-in declined to start (SparkInitialise returned 0)");
     if (clips > static_cast<int>(kSupportedClips))
-        return RunStatus::failure(ExitCode::Plugin,
-                                  "the plug-in wants " + std::to_string(clips) +
-                                      " input clips; sparkrun feeds one");
+        return RunStatus::failure(ExitCode::Plugin, "the plug-in wants " + std::to_string(clips) +
+                                                        " input clips; sparkrun feeds one");
     if (!setupPath.empty() && !loadedSetup) {
         std::vector<char> name = writableText(setupPath);
         sparkLoadSetup(name.data());

@@ -15,17 +15,17 @@
 // standard error ("plug-in: ..."), unless quiet.
 #pragma once
 
-#include "ControlTable.h"
-#include "FilePixels.h"
-#include "RunStatus.h"
-
 #include <SimHost.h>
 
 #include <memory>
 #include <string>
 
+#include "ControlTable.h"
+#include "FilePixels.h"
+#include "RunStatus.h"
+
 class SparkSession {
-public:
+  public:
     SparkSession(bool quiet, int processors);
 
     RunStatus load(const std::string& pluginPath);
@@ -46,7 +46,7 @@ public:
     int height() const { return height_; }
     int depth() const { return depth_; }
 
-private:
+  private:
     SparkInfoStruct infoFor(unsigned frame, unsigned totalFrames, const std::string& name) const;
     // Passes on the plug-in's messages; returns the last error or message text.
     std::string relayMessages();

@@ -1,16 +1,16 @@
 // Drawing the test chart.
 #include "TestChart.h"
 
-#include "HostPixels.h"
-#include "ImageFiles.h"
-
 #include <algorithm>
 #include <cmath>
 
+#include "HostPixels.h"
+#include "ImageFiles.h"
+
 namespace {
-const int kCellsDown = 9;          // grid cells over the frame height
-const int kMinCell = 8;            // pixels
-const double kLineHalfWidth = 1.0; // pixels either side of a grid line's centre
+const int kCellsDown = 9;           // grid cells over the frame height
+const int kMinCell = 8;             // pixels
+const double kLineHalfWidth = 1.0;  // pixels either side of a grid line's centre
 const double kBorderHalfWidth = 2.0;
 const double kBorderInsetCells = 0.15;  // of a cell, from the frame edge
 
@@ -42,9 +42,9 @@ Colour over(const Colour& base, const Colour& top, double amount) {
 
 RunStatus writeTestChart(const std::string& path, int width, int height) {
     if (width < 1 || height < 1 || width > kMaxFrameSide || height > kMaxFrameSide)
-        return RunStatus::failure(ExitCode::Usage, "chart size must be 1 to " +
-                                                       std::to_string(kMaxFrameSide) +
-                                                       " pixels on each side");
+        return RunStatus::failure(
+            ExitCode::Usage,
+            "chart size must be 1 to " + std::to_string(kMaxFrameSide) + " pixels on each side");
     RunStatus status = checkOutputPath(path);
     if (!status.ok()) return status;
     const double cell = std::max(kMinCell, height / kCellsDown);
@@ -64,10 +64,10 @@ RunStatus writeTestChart(const std::string& path, int width, int height) {
             // Distance to the border rectangle's outline, inside or outside it.
             const double dx = std::min(std::fabs(x - inset), std::fabs(width - 1 - inset - x));
             const double dy = std::min(std::fabs(y - inset), std::fabs(height - 1 - inset - y));
-            const bool insideX = x >= inset - kBorderHalfWidth - 1 &&
-                                 x <= width - 1 - inset + kBorderHalfWidth + 1;
-            const bool insideY = y >= inset - kBorderHalfWidth - 1 &&
-                                 y <= height - 1 - inset + kBorderHalfWidth + 1;
+            const bool insideX =
+                x >= inset - kBorderHalfWidth - 1 && x <= width - 1 - inset + kBorderHalfWidth + 1;
+            const bool insideY =
+                y >= inset - kBorderHalfWidth - 1 && y <= height - 1 - inset + kBorderHalfWidth + 1;
             double border = 0.0;
             if (insideY) border = std::max(border, coverage(dx, kBorderHalfWidth));
             if (insideX) border = std::max(border, coverage(dy, kBorderHalfWidth));

@@ -6,9 +6,9 @@
 // on its size, so the same size always gives the same file.
 #pragma once
 
-#include "RunStatus.h"
-
 #include <string>
+
+#include "RunStatus.h"
 
 const int kChartWidth = 960;
 const int kChartHeight = 540;

@@ -2,6 +2,15 @@
 // and the small picture utilities of the demonstration (chart, comparison,
 // side by side). See usageText() for the command line and RunStatus.h for
 // the exit codes.
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdio>
+#include <set>
+#include <thread>
+
 #include "ControlTable.h"
 #include "FramePattern.h"
 #include "HostPixels.h"
@@ -11,15 +20,6 @@
 #include "RunOptions.h"
 #include "SparkSession.h"
 #include "TestChart.h"
-
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <climits>
-#include <cstdio>
-#include <set>
-#include <thread>
 
 namespace {
 const char kDefaultPlugin[] = "straightlux.spark";
@@ -132,8 +132,8 @@ RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
     SparkSession session(options.quiet, options.processors);
     status = session.load(pluginPath);
     if (!status.ok()) return status;
-    status = session.start(picture.width, picture.height, depth, picture.pixelAspect,
-                           options.setupPath);
+    status =
+        session.start(picture.width, picture.height, depth, picture.pixelAspect, options.setupPath);
     if (status.ok()) status = applyControls(options, session.controls());
     if (status.ok() && options.verbose)
         std::printf("%s: %dx%d at %d bits, %zu frame(s)\n", pluginPath.c_str(), picture.width,

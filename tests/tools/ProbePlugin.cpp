@@ -15,13 +15,16 @@ __attribute__((visibility("default"))) SparkFloatStruct SparkFloat6 = {
 __attribute__((visibility("default"))) SparkFloatStruct SparkFloat9 = {
     0.0f, 0.0f, 100000.0f, 1.0f, 0, const_cast<char*>("Fail Frame: %.0f"), nullptr};
 __attribute__((visibility("default"))) SparkPupStruct SparkPup17 = {
-    0, 2, nullptr, {const_cast<char*>("Channels: All  "), const_cast<char*>("Channels: Red Only  ")}};
-__attribute__((visibility("default"))) SparkBooleanStruct SparkBoolean28 = {
-    0, const_cast<char*>("Invert"), nullptr};
-__attribute__((visibility("default"))) SparkPupStruct SparkPup33 = {
-    0, 2, nullptr, {const_cast<char*>("FULL"), const_cast<char*>("1/2")}};
-__attribute__((visibility("default"))) SparkPushStruct SparkPush21 = {
-    const_cast<char*>("Clear   "), nullptr};
+    0,
+    2,
+    nullptr,
+    {const_cast<char*>("Channels: All  "), const_cast<char*>("Channels: Red Only  ")}};
+__attribute__((visibility("default")))
+SparkBooleanStruct SparkBoolean28 = {0, const_cast<char*>("Invert"), nullptr};
+__attribute__((visibility("default")))
+SparkPupStruct SparkPup33 = {0, 2, nullptr, {const_cast<char*>("FULL"), const_cast<char*>("1/2")}};
+__attribute__((visibility("default")))
+SparkPushStruct SparkPush21 = {const_cast<char*>("Clear   "), nullptr};
 
 static int deep = 0;
 

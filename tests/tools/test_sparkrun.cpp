@@ -35,7 +35,7 @@ std::string slurp(const fs::path& path) {
 }
 
 class Sparkrun : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         char pattern[] = "/tmp/sparkrun-test-XXXXXX";
         ASSERT_NE(mkdtemp(pattern), nullptr);
@@ -74,13 +74,13 @@ protected:
 };
 
 template <class T>
-void writePicture(const std::string& file, int width, int height, int channels,
-                  OIIO::TypeDesc type, const std::vector<T>& samples) {
+void writePicture(const std::string& file, int width, int height, int channels, OIIO::TypeDesc type,
+                  const std::vector<T>& samples) {
     auto out = OIIO::ImageOutput::create(file);
     ASSERT_TRUE(out) << file;
-    OIIO::ImageSpec spec(width, height, channels, type);
-    spec.attribute("oiio:UnassociatedAlpha", 1);  // store colour as given, alpha or not
-    ASSERT_TRUE(out->open(file, spec));
+    OIIO::ImageSpec header(width, height, channels, type);
+    header.attribute("oiio:UnassociatedAlpha", 1);  // store colour as given, alpha or not
+    ASSERT_TRUE(out->open(file, header));
     ASSERT_TRUE(out->write_image(type, samples.data()));
     ASSERT_TRUE(out->close());
 }
@@ -94,16 +94,17 @@ Picture readPicture(const std::string& file) {
     Picture picture;
     auto in = OIIO::ImageInput::open(file);
     if (!in) return picture;
-    const OIIO::ImageSpec& spec = in->spec();
-    picture.width = spec.width;
-    picture.height = spec.height;
-    picture.channels = spec.nchannels;
-    picture.bits = static_cast<int>(spec.format.size()) * 8;
-    picture.samples.resize(static_cast<size_t>(spec.width) * spec.height * spec.nchannels);
-    in->read_image(0, 0, 0, spec.nchannels, OIIO::TypeDesc::FLOAT, picture.samples.data());
-    if (!spec.format.is_floating_point()) {
+    const OIIO::ImageSpec& header = in->spec();
+    picture.width = header.width;
+    picture.height = header.height;
+    picture.channels = header.nchannels;
+    picture.bits = static_cast<int>(header.format.size()) * 8;
+    picture.samples.resize(static_cast<size_t>(header.width) * header.height * header.nchannels);
+    in->read_image(0, 0, 0, header.nchannels, OIIO::TypeDesc::FLOAT, picture.samples.data());
+    if (!header.format.is_floating_point()) {
         const double full = std::pow(2.0, picture.bits) - 1;
-        for (float& sample : picture.samples) sample = static_cast<float>(std::round(sample * full));
+        for (float& sample : picture.samples)
+            sample = static_cast<float>(std::round(sample * full));
     }
     return picture;
 }
@@ -119,7 +120,8 @@ TEST_F(Sparkrun, FilesComeBackThroughTheDefaultSetupWithinTheHostRounding) {
     std::vector<unsigned char> eight;
     for (int y = 0; y < 4; ++y)
         for (int x = 0; x < 5; ++x)
-            for (int c = 0; c < 3; ++c) eight.push_back(static_cast<unsigned char>(x + 10 * y + 50 * c));
+            for (int c = 0; c < 3; ++c)
+                eight.push_back(static_cast<unsigned char>(x + 10 * y + 50 * c));
     writePicture(path("in8.png"), 5, 4, 3, OIIO::TypeDesc::UINT8, eight);
     ToolRun result = run(path("in8.png") + " " + path("out/out8.png"));
     ASSERT_EQ(result.code, 0) << result.err;
@@ -159,9 +161,8 @@ TEST_F(Sparkrun, FilesComeBackThroughTheDefaultSetupWithinTheHostRounding) {
         for (int c = 0; c < 3; ++c) EXPECT_EQ(back.samples[p * 3 + c], greys[p]) << p;
 
     // Float (OpenEXR) in and out: within half a 12-bit level.
-    const std::vector<float> reals = {0.0f, 0.25f, 0.5f, 1.0f, 0.125f, 0.75f,
-                                      0.3f, 0.6f, 0.9f, 0.01f, 0.99f, 0.5f,
-                                      0.2f, 0.4f, 0.8f, 0.05f, 0.15f, 0.35f};
+    const std::vector<float> reals = {0.0f,  0.25f, 0.5f, 1.0f, 0.125f, 0.75f, 0.3f,  0.6f,  0.9f,
+                                      0.01f, 0.99f, 0.5f, 0.2f, 0.4f,   0.8f,  0.05f, 0.15f, 0.35f};
     writePicture(path("in.exr"), 3, 2, 3, OIIO::TypeDesc::FLOAT, reals);
     result = run(path("in.exr") + " " + path("out/out.exr"));
     ASSERT_EQ(result.code, 0) << result.err;
@@ -176,10 +177,11 @@ TEST_F(Sparkrun, ControlsAreSetByTheirTitles) {
     std::vector<unsigned char> coded;
     for (int y = 0; y < 2; ++y)
         for (int x = 0; x < 3; ++x)
-            for (int c = 0; c < 3; ++c) coded.push_back(static_cast<unsigned char>(20 + 40 * x + 100 * y + 11 * c));
+            for (int c = 0; c < 3; ++c)
+                coded.push_back(static_cast<unsigned char>(20 + 40 * x + 100 * y + 11 * c));
     writePicture(path("in.png"), 3, 2, 3, OIIO::TypeDesc::UINT8, coded);
-    ToolRun result = probe("--set gain=50 --set 'Channels=red only' --set Invert=on " + path("in.png") +
-                       " " + path("out/out.png"));
+    ToolRun result = probe("--set gain=50 --set 'Channels=red only' --set Invert=on " +
+                           path("in.png") + " " + path("out/out.png"));
     ASSERT_EQ(result.code, 0) << result.err;
     Picture back = readPicture(path("out/out.png"));
     for (size_t i = 0; i < coded.size(); ++i) {
@@ -191,9 +193,9 @@ TEST_F(Sparkrun, ControlsAreSetByTheirTitles) {
     EXPECT_NE(result.err.find("probe plug-in started"), std::string::npos);
 
     // At 12 bits: Gain 50 halves the 12-bit level.
-    const std::vector<unsigned short> sixteen = {0, 1000, 2000, 30000, 40000, 65535,
+    const std::vector<unsigned short> sixteen = {0,     1000,  2000,  30000, 40000, 65535,
                                                  12345, 23456, 34567, 45678, 56789, 65000,
-                                                 100, 200, 300, 400, 500, 600};
+                                                 100,   200,   300,   400,   500,   600};
     writePicture(path("in.tif"), 3, 2, 3, OIIO::TypeDesc::UINT16, sixteen);
     result = probe("--set Gain=50 " + path("in.tif") + " " + path("out/out.tif"));
     ASSERT_EQ(result.code, 0) << result.err;
@@ -213,9 +215,9 @@ TEST_F(Sparkrun, ControlsAreSetByTheirTitles) {
     // The listing shows every control with its value and range or entries.
     result = probe("--set Invert=1 --list-controls");
     ASSERT_EQ(result.code, 0) << result.err;
-    for (const char* line : {"Gain = 100.0", "0 .. 200", "Fail Frame = 0", "Channels = All",
-                             "All | Red Only", "Invert = on", "Proxy = FULL", "FULL | 1/2",
-                             "Clear", "SparkPush21"})
+    for (const char* line :
+         {"Gain = 100.0", "0 .. 200", "Fail Frame = 0", "Channels = All", "All | Red Only",
+          "Invert = on", "Proxy = FULL", "FULL | 1/2", "Clear", "SparkPush21"})
         EXPECT_NE(result.out.find(line), std::string::npos) << line << "\n" << result.out;
     EXPECT_EQ(result.out.find("probe plug-in started"), std::string::npos);
 }
@@ -227,7 +229,8 @@ TEST_F(Sparkrun, ControlErrorsSayWhatIsValid) {
         std::string arguments;
         std::vector<std::string> mentions;
     } cases[] = {
-        {"--set Radius=2", {"unknown control", "Gain", "Fail Frame", "Channels", "Invert", "Proxy"}},
+        {"--set Radius=2",
+         {"unknown control", "Gain", "Fail Frame", "Channels", "Invert", "Proxy"}},
         {"--set Gain=500", {"Gain", "0 .. 200"}},
         {"--set Gain=-1", {"0 .. 200"}},
         {"--set Gain=lots", {"takes a number"}},
@@ -245,16 +248,18 @@ TEST_F(Sparkrun, ControlErrorsSayWhatIsValid) {
         const ToolRun result = probe(c.arguments + files);
         EXPECT_EQ(result.code, 2) << c.arguments;
         for (const std::string& mention : c.mentions)
-            EXPECT_NE(result.err.find(mention), std::string::npos) << c.arguments << ": " << result.err;
+            EXPECT_NE(result.err.find(mention), std::string::npos)
+                << c.arguments << ": " << result.err;
         EXPECT_TRUE(outputs().empty()) << c.arguments;
     }
 }
 
 TEST_F(Sparkrun, AnimatedControlFollowsItsKeysOverASequence) {
-    for (int frame = 1; frame <= 3; ++frame) writeFlat8(path("in.000" + std::to_string(frame) + ".png"), 200);
+    for (int frame = 1; frame <= 3; ++frame)
+        writeFlat8(path("in.000" + std::to_string(frame) + ".png"), 200);
     // Keys 100 at frame 1 and 0 at frame 3: 50 at frame 2, in straight lines.
-    ToolRun result = probe("--verbose --key Gain@1=100 --key Gain@3=0 " + path("in.####.png") + " " +
-                       path("out/out.%04d.png"));
+    ToolRun result = probe("--verbose --key Gain@1=100 --key Gain@3=0 " + path("in.####.png") +
+                           " " + path("out/out.%04d.png"));
     ASSERT_EQ(result.code, 0) << result.err;
     const float expected[] = {200, 100, 0};
     for (int frame = 1; frame <= 3; ++frame) {
@@ -274,17 +279,21 @@ TEST_F(Sparkrun, AnimatedControlFollowsItsKeysOverASequence) {
 }
 
 TEST_F(Sparkrun, ASavedSetupLoadsBackWithNothingLost) {
-    for (int frame = 1; frame <= 3; ++frame) writeFlat8(path("in.000" + std::to_string(frame) + ".png"), 120);
+    for (int frame = 1; frame <= 3; ++frame)
+        writeFlat8(path("in.000" + std::to_string(frame) + ".png"), 120);
     const std::string setup = path("shot.setup");
-    ToolRun result = probe("--key Gain@1=100 --key Gain@3=50 --set 'Channels=Red Only' --set Invert=on "
-                       "--save-setup " + setup + " " + path("in.####.png") + " " + path("out/a.####.png"));
+    ToolRun result = probe(
+        "--key Gain@1=100 --key Gain@3=50 --set 'Channels=Red Only' --set Invert=on "
+        "--save-setup " +
+        setup + " " + path("in.####.png") + " " + path("out/a.####.png"));
     ASSERT_EQ(result.code, 0) << result.err;
     result = probe("--setup " + setup + " " + path("in.####.png") + " " + path("out/b.####.png"));
     ASSERT_EQ(result.code, 0) << result.err;
     for (int frame = 1; frame <= 3; ++frame) {
         const std::string number = "000" + std::to_string(frame);
         EXPECT_EQ(readPicture(path("out/a." + number + ".png")).samples,
-                  readPicture(path("out/b." + number + ".png")).samples) << frame;
+                  readPicture(path("out/b." + number + ".png")).samples)
+            << frame;
     }
     // Frame 2: Gain 75 of 120 is 90, inverted 165; green and blue 255.
     const Picture middle = readPicture(path("out/b.0002.png"));
@@ -300,7 +309,8 @@ TEST_F(Sparkrun, ASavedSetupLoadsBackWithNothingLost) {
     EXPECT_EQ(slurp(setup), saved);
 
     // A missing set-up is an input error.
-    result = probe("--setup " + path("none.setup") + " " + path("in.0001.png") + " " + path("out/d.png"));
+    result = probe("--setup " + path("none.setup") + " " + path("in.0001.png") + " " +
+                   path("out/d.png"));
     EXPECT_EQ(result.code, 3);
     EXPECT_NE(result.err.find("none.setup"), std::string::npos) << result.err;
 }
@@ -329,13 +339,15 @@ TEST_F(Sparkrun, BadInputsFailWithTheirExitCodesAndLeaveNoOutput) {
         {"--plugin " + path("text.spark") + " " + path("good.png") + out, 5, "text.spark"},
         {"--plugin " + path("nothing.spark") + " " + path("good.png") + out, 5, "nothing.spark"},
         {path("in.####.png") + " " + path("out/r.####.png"), 3, "no input files match"},
-        {path("good.png") + " " + path("out/r.####.png") + " --frames 1-3 --set 'Fail Frame=2' --plugin " + kProbe,
+        {path("good.png") + " " + path("out/r.####.png") +
+             " --frames 1-3 --set 'Fail Frame=2' --plugin " + kProbe,
          6, "frame 2"},
     };
     for (const Case& c : cases) {
         const ToolRun result = run(c.arguments);
         EXPECT_EQ(result.code, c.code) << c.arguments << "\n" << result.err;
-        EXPECT_NE(result.err.find(c.mention), std::string::npos) << c.arguments << ": " << result.err;
+        EXPECT_NE(result.err.find(c.mention), std::string::npos)
+            << c.arguments << ": " << result.err;
         // Only the failing sequence got as far as its first frame.
         const std::vector<std::string> left = outputs();
         if (c.code == 6) {
@@ -352,15 +364,19 @@ TEST_F(Sparkrun, BadInputsFailWithTheirExitCodesAndLeaveNoOutput) {
 TEST_F(Sparkrun, DISABLED_AKnownDistortionIsRemoved) {
     ASSERT_EQ(run("--make-chart " + path("chart.png")).code, 0);
     const std::string coefficients = " --set Radial1=0.12 --set Radial2=0.03 ";
-    ToolRun result = run("--set Mode=Add" + coefficients + path("chart.png") + " " + path("distorted.png"));
+    ToolRun result =
+        run("--set Mode=Add" + coefficients + path("chart.png") + " " + path("distorted.png"));
     ASSERT_EQ(result.code, 0) << result.err;
-    result = run("--set Mode=Remove" + coefficients + path("distorted.png") + " " + path("corrected.png"));
+    result = run("--set Mode=Remove" + coefficients + path("distorted.png") + " " +
+                 path("corrected.png"));
     ASSERT_EQ(result.code, 0) << result.err;
     double distorted = 0.0, corrected = 0.0;
     result = run("--compare --margin 15 " + path("chart.png") + " " + path("distorted.png"));
-    ASSERT_EQ(std::sscanf(result.out.c_str(), "mean abs difference %lf", &distorted), 1) << result.out;
+    ASSERT_EQ(std::sscanf(result.out.c_str(), "mean abs difference %lf", &distorted), 1)
+        << result.out;
     result = run("--compare --margin 15 " + path("chart.png") + " " + path("corrected.png"));
-    ASSERT_EQ(std::sscanf(result.out.c_str(), "mean abs difference %lf", &corrected), 1) << result.out;
+    ASSERT_EQ(std::sscanf(result.out.c_str(), "mean abs difference %lf", &corrected), 1)
+        << result.out;
     // Two resamplings of thin lines keep a little error; the distortion's is far larger.
     EXPECT_GT(distorted, 10.0);
     EXPECT_LT(corrected, 5.0);
