@@ -2,7 +2,23 @@
 // records. BindControls runs once at start-up; CopyHostValuesToControls runs
 // before every frame and puts the host values into the controls' cached
 // values in plug-in units (fractions for positions, 1-based list items).
+// The auxiliary records keep each bound field's range while it is greyed out;
+// they stay inside the plug-in.
 #pragma once
+
+#include "ControlAuxRecords.h"
+
+extern ZelAuxFloatRange AuxZelFloat6;
+extern ZelAuxFloatRange AuxZelFloat7;
+extern ZelAuxFloatRange AuxZelFloat8;
+extern ZelAuxFloatRange AuxZelFloat9;
+extern ZelAuxPositionRange AuxZelPosition13;
+extern ZelAuxFloatRange AuxZelFloat16;
+extern ZelAuxList AuxZelList17;
+extern ZelAuxFloatRange AuxZelFloat18;
+extern ZelAuxList AuxZelList20;
+extern ZelAuxList AuxZelList23;
+extern ZelAuxList AuxZelList24;
 
 void BindControls();
 void CopyHostValuesToControls();
