@@ -13,6 +13,12 @@ const int kInputBufferId = 2;
 const unsigned kSupportedClips = 1;
 const char kNoContext = 0;  // a render: the plug-in's viewer is not on screen
 
+// Never destroyed, so the library is not unloaded before the process ends.
+simhost::Plugin& residentPlugin() {
+    static simhost::Plugin* plugin = new simhost::Plugin;
+    return *plugin;
+}
+
 std::vector<char> writableText(const std::string& text) {
     std::vector<char> buffer(text.begin(), text.end());
     buffer.push_back('\0');
@@ -20,7 +26,7 @@ std::vector<char> writableText(const std::string& text) {
 }
 }  // namespace
 
-SparkSession::SparkSession(bool quiet, int processors) : quiet_(quiet) {
+SparkSession::SparkSession(bool quiet, int processors) : quiet_(quiet), plugin_(residentPlugin()) {
     simhost::Host& host = simhost::Host::instance();
     host.reset();
     host.processors = processors;

@@ -13,6 +13,11 @@
 //
 // What the plug-in reports through sparkError / sparkMessage is passed on to
 // standard error ("plug-in: ..."), unless quiet.
+//
+// The plug-in stays loaded until the process ends, as in a host that quits
+// with its plug-ins loaded: a plug-in may keep objects for the whole life of
+// its library, which unloading it early would turn into lost memory. One
+// session per process.
 #pragma once
 
 #include <SimHost.h>
@@ -52,7 +57,7 @@ class SparkSession {
     std::string relayMessages();
 
     bool quiet_;
-    simhost::Plugin plugin_;
+    simhost::Plugin& plugin_;
     std::unique_ptr<ControlTable> controls_;
     std::string pluginPath_;
     std::string setupPath_;
