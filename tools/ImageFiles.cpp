@@ -130,7 +130,7 @@ RunStatus readImage(const std::string& path, int requestedDepth, FilePixels* pic
     return RunStatus::success();
 }
 
-RunStatus checkOutputPath(const std::string& path) {
+RunStatus checkOutputFolder(const std::string& path) {
     if (path.empty() || path.back() == '/')
         return outputFailure("output is not a file name: " + path);
     const std::string folder = folderOf(path);
@@ -141,6 +141,12 @@ RunStatus checkOutputPath(const std::string& path) {
         return outputFailure("output folder is not writable: " + folder);
     if (stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
         return outputFailure("output is a folder: " + path);
+    return RunStatus::success();
+}
+
+RunStatus checkOutputPath(const std::string& path) {
+    RunStatus status = checkOutputFolder(path);
+    if (!status.ok()) return status;
     auto out = OIIO::ImageOutput::create(path);
     if (!out) return outputFailure("unsupported output format for " + path + ": " + oiioError());
     return RunStatus::success();

@@ -26,6 +26,10 @@ int hostDepthFor(int fileBits, bool isFloat, int requestedDepth);
 // used (requestedDepth, or the file's own when 0), reported in *depth.
 RunStatus readImage(const std::string& path, int requestedDepth, FilePixels* picture, int* depth);
 
+// Checks before any work that a file can be made at path: its folder exists
+// and is writable and path is not a folder.
+RunStatus checkOutputFolder(const std::string& path);
+
 // Checks before any work that path can be written: its folder exists and is
 // writable and OpenImageIO has a writer for its extension.
 RunStatus checkOutputPath(const std::string& path);

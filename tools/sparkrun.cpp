@@ -172,6 +172,11 @@ RunStatus run(RunOptions& options) {
     if (!options.processors) options.processors = defaultProcessors();
     const std::string pluginPath =
         options.pluginPath.empty() ? defaultPluginPath() : options.pluginPath;
+    // A set-up that cannot be saved is found out before any frame is made.
+    if (!options.saveSetupPath.empty()) {
+        const RunStatus status = checkOutputFolder(options.saveSetupPath);
+        if (!status.ok()) return status;
+    }
     switch (options.mode) {
         case RunMode::Help:
             std::fputs(usageText(), stdout);

@@ -336,6 +336,7 @@ TEST_F(Sparkrun, BadInputsFailWithTheirExitCodesAndLeaveNoOutput) {
         {path("huge.png") + out, 3, "32768"},
         {path("good.png") + " " + path("nofolder/result.png"), 4, "does not exist"},
         {path("good.png") + " " + path("out/result.nosuchformat"), 4, "unsupported output format"},
+        {"--save-setup " + path("nofolder/a.setup") + " " + path("good.png") + out, 4, "nofolder"},
         {"--plugin " + path("text.spark") + " " + path("good.png") + out, 5, "text.spark"},
         {"--plugin " + path("nothing.spark") + " " + path("good.png") + out, 5, "nothing.spark"},
         {path("in.####.png") + " " + path("out/r.####.png"), 3, "no input files match"},
