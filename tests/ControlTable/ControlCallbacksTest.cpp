@@ -1,7 +1,6 @@
 // The control callbacks through the real plug-in: a fresh frame or only a
 // viewer redraw depending on "Auto Preview" and the kind of change, the
-// common fields' own callbacks, the buttons reaching the plug-in, and the
-// confirmed reset of the lens fields.
+// common fields' own callbacks, and the two resets.
 #include <string>
 #include <vector>
 
@@ -89,19 +88,6 @@ TEST_F(ControlCallbacks, BlendRendersOnlyAtTheModuleLevelAndClearOverlayOnlyRedr
     EXPECT_TRUE(onlyRedrawn());
 }
 
-TEST_F(ControlCallbacks, ButtonsReachThePluginCallbacks) {
-    change("SparkPush22", 2);
-    EXPECT_TRUE(host().called("sparkMessage(Need drawn lines to auto remove.)"));
-
-    floatRecord("SparkFloat6")->Value = 0.5f;
-    floatRecord("SparkFloat13")->Value = 20.0f;
-    menu("SparkPup17")->Value = 0;
-    change("SparkPush27", 2);
-    EXPECT_EQ(floatRecord("SparkFloat6")->Value, 0.0f);
-    EXPECT_EQ(floatRecord("SparkFloat13")->Value, 50.0f);
-    EXPECT_EQ(menu("SparkPup17")->Value, 3);
-}
-
 TEST_F(ControlCallbacks, ResetAsksAndThenRestoresTheLensFieldsOnly) {
     const char* floats[] = {"SparkFloat6",  "SparkFloat7",  "SparkFloat8",  "SparkFloat9",
                             "SparkFloat13", "SparkFloat14", "SparkFloat16", "SparkFloat18"};
@@ -139,4 +125,11 @@ TEST_F(ControlCallbacks, ResetAsksAndThenRestoresTheLensFieldsOnly) {
     EXPECT_EQ(checkBox("SparkBoolean28")->Value, 1);
     EXPECT_EQ(checkBox("SparkBoolean34")->Value, 0);
     EXPECT_TRUE(onlyRedrawn());
+
+    // The lens page's own "Reset   " (27) reaches the plug-in's reset.
+    floatRecord("SparkFloat6")->Value = 0.5f;
+    menu("SparkPup17")->Value = 0;
+    change("SparkPush27", kEndOfChange);
+    EXPECT_EQ(floatRecord("SparkFloat6")->Value, 0.0f);
+    EXPECT_EQ(menu("SparkPup17")->Value, 3);
 }
