@@ -362,7 +362,7 @@ TEST_F(Sparkrun, BadInputsFailWithTheirExitCodesAndLeaveNoOutput) {
 // Needs the lens core: a chart distorted by known coefficients in Add mode and
 // corrected with the same coefficients in Remove mode matches the chart in
 // its interior.
-TEST_F(Sparkrun, DISABLED_AKnownDistortionIsRemoved) {
+TEST_F(Sparkrun, AKnownDistortionIsRemoved) {
     ASSERT_EQ(run("--make-chart " + path("chart.png")).code, 0);
     const std::string coefficients = " --set Radial1=0.12 --set Radial2=0.03 ";
     ToolRun result =
