@@ -78,9 +78,12 @@ RunStatus readImage(const std::string& path, int requestedDepth, FilePixels* pic
     // The colour as stored in the file: no premultiplying by an alpha that is dropped anyway.
     OIIO::ImageSpec config;
     config.attribute("oiio:UnassociatedAlpha", 1);
-    auto in = OIIO::ImageInput::open(path, &config);
-    if (!in) return inputFailure("cannot read input " + path + ": " + oiioError());
-    const OIIO::ImageSpec& header = in->spec();
+    // The reader is chosen by the file's name, then opened filling the header.
+    auto in = OIIO::ImageInput::create(path, false, &config);
+    OIIO::ImageSpec header;
+    if (!in || !in->open(path, header, config))
+        return inputFailure("cannot read input " + path + ": " +
+                            (in ? in->geterror() : oiioError()));
     if (header.deep) return inputFailure("unsupported input " + path + ": deep image");
     if (header.depth > 1) return inputFailure("unsupported input " + path + ": volume image");
     if (header.nchannels < 1) return inputFailure("unsupported input " + path + ": no channels");

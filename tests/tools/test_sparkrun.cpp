@@ -92,9 +92,9 @@ struct Picture {
 
 Picture readPicture(const std::string& file) {
     Picture picture;
-    auto in = OIIO::ImageInput::open(file);
-    if (!in) return picture;
-    const OIIO::ImageSpec& header = in->spec();
+    auto in = OIIO::ImageInput::create(file);
+    OIIO::ImageSpec header;
+    if (!in || !in->open(file, header)) return picture;
     picture.width = header.width;
     picture.height = header.height;
     picture.channels = header.nchannels;
