@@ -1,8 +1,19 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the build, tests and tool need; does nothing when
-# they are all present.
+# Installs the Debian packages that the build, the tests and the tool need, and
+# does nothing when they are all present. It names what it installs, and stops
+# with a clear message (exit 1) when it cannot install: not root and no sudo,
+# or apt-get failing (no network, unknown package), so that nothing fails
+# later and less clearly inside CMake.
+#
+#   STRAIGHTLUX_SETUP_EXTRA="pkg ..."   further packages (scripts/bench.sh uses it)
 set -euo pipefail
-packages=(g++ cmake make pkg-config libgtest-dev libgmock-dev libbenchmark-dev libopenimageio-dev)
+
+# The base toolchain (a fresh machine has these) and what the project adds:
+# pkg-config finds OpenImageIO for the command-line tool.
+packages=(g++ cmake make pkg-config libgtest-dev libbenchmark-dev libopenimageio-dev)
+# shellcheck disable=SC2206
+packages+=(${STRAIGHTLUX_SETUP_EXTRA:-})
+
 missing=()
 for p in "${packages[@]}"; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then
@@ -12,8 +23,29 @@ done
 if [ ${#missing[@]} -eq 0 ]; then
   exit 0
 fi
-echo "Installing: ${missing[*]}"
-SUDO=""
-if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
-$SUDO apt-get update -qq
-DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq "${missing[@]}" >/dev/null
+
+echo "setup: installing Debian packages: ${missing[*]}"
+SUDO=()
+if [ "$(id -u)" -ne 0 ]; then
+  if command -v sudo >/dev/null 2>&1 && sudo -n true 2>/dev/null; then
+    SUDO=(sudo -n)
+  else
+    echo "setup: cannot install ${missing[*]}: not running as root and sudo is not available" >&2
+    echo "setup: install them as an administrator: apt-get install ${missing[*]}" >&2
+    exit 1
+  fi
+fi
+log="$(mktemp)"
+trap 'rm -f "$log"' EXIT
+if ! "${SUDO[@]}" apt-get update -qq >"$log" 2>&1; then
+  cat "$log" >&2
+  echo "setup: apt-get update failed (no network or no package source?); could not install ${missing[*]}" >&2
+  exit 1
+fi
+if ! DEBIAN_FRONTEND=noninteractive "${SUDO[@]}" apt-get install -y -qq --no-install-recommends \
+  "${missing[@]}" >"$log" 2>&1; then
+  tail -20 "$log" >&2
+  echo "setup: apt-get install failed; could not install ${missing[*]}" >&2
+  exit 1
+fi
+echo "setup: installed ${missing[*]}"
