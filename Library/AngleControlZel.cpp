@@ -1,23 +1,26 @@
 #include "AngleControlZel.h"
 
-void AngleControlZel::Bind(int number, SparkFloatStruct* record, ZelAuxFloatRange* saved) {
-    BindFloatField(number, record, saved);
+void AngleControlZel::bind(int number, ZelFloatField field, ZelAuxFloatRange* saved) {
+    bindNumber(number);
+    field_ = field;
+    saved_ = saved;
+    saveRange(field_, saved_);
 }
 
 void AngleControlZel::Sync() {
-    if (record() != nullptr) value = record()->Value;
+    if (field_.value != nullptr) value = *field_.value;
 }
 
-void AngleControlZel::Disable(bool disabled) { DisableFloatField(disabled); }
+void AngleControlZel::Disable(bool disabled) { disableFloatField(disabled, field_, saved_); }
 
 void AngleControlZel::Hide(bool hidden) {
     hidden_ = hidden;
-    ShowField(number_, hidden);
+    showField(number_, hidden);
 }
 
 void AngleControlZel::SetValue(double /*time*/, double degrees) {
-    if (record() == nullptr) return;
-    record()->Value = static_cast<float>(degrees);
-    UpdateField(number_);
+    if (field_.value == nullptr) return;
+    *field_.value = static_cast<float>(degrees);
+    updateField(number_);
     Sync();
 }

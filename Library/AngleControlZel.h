@@ -1,6 +1,6 @@
-// AngleControlZel: an angle field in degrees, stored unconverted in its
-// SparkFloatStruct; a ZelAuxFloatRange keeps the range while it is greyed
-// out. There is no GetValue: the plug-in reads `value` after Sync.
+// AngleControlZel: an angle field in degrees, stored unconverted in its float
+// record; a ZelAuxFloatRange keeps the range while it is greyed out. There is
+// no GetValue: the plug-in reads `value` after Sync.
 #pragma once
 
 #include "ControlZel.h"
@@ -15,16 +15,16 @@ class AngleControlZel : public ControlZel {
     void ResetKeyframes() override {}   // the host owns the keys
     void EnableKeyframes() override {}  // the host owns the keys
 
-    // Binds and saves the record's current Min/Max into saved.
-    using ControlZel::Bind;
-    void Bind(int number, SparkFloatStruct* record, ZelAuxFloatRange* saved);
+    // Binds and saves the field's current range into saved.
+    void bind(int number, ZelFloatField field, ZelAuxFloatRange* saved);
 
     // Writes the host record straight away (no curve key); the time is ignored.
     void SetValue(double time, double degrees);
-    void SetCached(double degrees) { value = degrees; }
+    void setCached(double degrees) { value = degrees; }
 
     double value = 0.0;  // degrees, as of the last Sync
 
   private:
-    SparkFloatStruct* record() const { return static_cast<SparkFloatStruct*>(primary_); }
+    ZelFloatField field_;
+    ZelAuxFloatRange* saved_ = nullptr;
 };

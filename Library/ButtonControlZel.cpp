@@ -6,11 +6,11 @@ void ButtonControlZel::Disable(bool disabled) {
         disabled_ = disabled;
         return;
     }
-    UpdateField(number_);
+    updateField(number_);
     disabled_ = disabled;
 }
 
 void ButtonControlZel::Hide(bool hidden) {
     hidden_ = hidden;
-    ShowField(number_, hidden);
+    showField(number_, hidden);
 }

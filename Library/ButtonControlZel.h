@@ -1,5 +1,5 @@
 // ButtonControlZel: a push button. It has no value; the plug-in's callback for
-// it runs from the host binding. Bound to the button's SparkPushStruct.
+// it runs from the host binding. Bound by its control number only.
 #pragma once
 
 #include "ControlZel.h"
@@ -11,6 +11,5 @@ class ButtonControlZel : public ControlZel {
     void Disable(bool disabled) override;
     void Hide(bool hidden) override;
 
-    using ControlZel::Bind;
-    void Bind(int number, SparkPushStruct* record) { ControlZel::Bind(number, record); }
+    void bind(int number) { bindNumber(number); }
 };

@@ -1,40 +1,42 @@
 #include "CheckboxControlZel.h"
 
-void CheckboxControlZel::Bind(int number, SparkBooleanStruct* record, ZelExclusionGroup* group) {
-    ControlZel::Bind(number, record != nullptr ? &record->Value : nullptr, nullptr, group);
+void CheckboxControlZel::bind(int number, char* valueByte, ZelExclusionGroup* group) {
+    bindNumber(number);
+    valueByte_ = valueByte;
+    group_ = group;
 }
 
 void CheckboxControlZel::Sync() {
-    if (valueByte() != nullptr) value = *valueByte() != 0;
+    if (valueByte_ != nullptr) value = *valueByte_ != 0;
 }
 
 // A check box cannot be greyed out; the field is only refreshed. The host byte
 // is saved on every call, even when the state does not change.
 void CheckboxControlZel::Disable(bool disabled) {
-    if (valueByte() != nullptr) savedByDisable_ = *valueByte();
+    if (valueByte_ != nullptr) savedByDisable_ = *valueByte_;
     if (disabled_ == disabled) {
         disabled_ = disabled;
         return;
     }
-    UpdateField(number_);
+    updateField(number_);
     disabled_ = disabled;
 }
 
 void CheckboxControlZel::Hide(bool hidden) {
     hidden_ = hidden;
-    ShowField(number_, hidden);
+    showField(number_, hidden);
 }
 
 void CheckboxControlZel::SetValue(double /*time*/, long newValue) {
-    if (valueByte() == nullptr) return;
-    *valueByte() = static_cast<char>(newValue);
-    UpdateField(number_);
+    if (valueByte_ == nullptr) return;
+    *valueByte_ = static_cast<char>(newValue);
+    updateField(number_);
     Sync();
     // Only exactly 1 switches the group off; other non-zero values leave it.
-    if (newValue != 1 || group() == nullptr) return;
-    for (int i = 0; i < group()->count; ++i) {
-        if (group()->values[i] != nullptr) *group()->values[i] = 0;
-        UpdateField(group()->numbers[i]);
+    if (newValue != 1 || group_ == nullptr) return;
+    for (int i = 0; i < group_->count; ++i) {
+        if (group_->values[i] != nullptr) *group_->values[i] = 0;
+        updateField(group_->numbers[i]);
     }
 }
 

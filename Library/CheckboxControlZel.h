@@ -1,6 +1,6 @@
 // CheckboxControlZel: an on/off field, read and written through the value byte
-// of its SparkBooleanStruct. It may own an exclusion group: check boxes that
-// are switched off (not re-synced) when this one is set to exactly 1.
+// of its host record. It may own an exclusion group: check boxes that are
+// switched off (not re-synced) when this one is set to exactly 1.
 #pragma once
 
 #include <cstdint>
@@ -16,22 +16,20 @@ class CheckboxControlZel : public ControlZel {
     void Hide(bool hidden) override;
 
     // Binds to the record's value byte; group may be null.
-    using ControlZel::Bind;
-    void Bind(int number, SparkBooleanStruct* record, ZelExclusionGroup* group = nullptr);
+    void bind(int number, char* valueByte, ZelExclusionGroup* group = nullptr);
 
     // Writes the host byte straight away; the time is ignored.
     void SetValue(double time, long newValue);
     void GetValue(double time, long& out) const;  // the cached value, 0 or 1
-    void SetCached(bool on) { value = on; }
+    void setCached(bool on) { value = on; }
 
     // The host byte as it stood at the last Disable call, widened.
-    int32_t SavedByDisable() const { return savedByDisable_; }
+    int32_t savedByDisable() const { return savedByDisable_; }
 
     bool value = false;  // as of the last Sync
 
   private:
-    char* valueByte() const { return static_cast<char*>(primary_); }
-    ZelExclusionGroup* group() const { return static_cast<ZelExclusionGroup*>(third_); }
-
+    char* valueByte_ = nullptr;
+    ZelExclusionGroup* group_ = nullptr;
     int32_t savedByDisable_ = 0;
 };

@@ -14,20 +14,20 @@ constexpr int kChannelCount = 3;
 unsigned packedByte(uint32_t word, int channel) { return (word >> (8 * channel)) & kByteMask; }
 }  // namespace
 
-void ColourControlZel::Bind(int number, SparkColorStruct* swatch, SparkFloatStruct* redField,
-                            SparkFloatStruct* greenField, SparkFloatStruct* blueField) {
+void ColourControlZel::bind(int number, unsigned long* swatch, float* redField, float* greenField,
+                            float* blueField) {
+    bindNumber(number);
     const bool channels = redField != nullptr && greenField != nullptr && blueField != nullptr;
-    ControlZel::Bind(number, swatch != nullptr ? &swatch->Color : nullptr,
-                     channels ? &redField->Value : nullptr);
-    channelFields_[0] = channels ? &redField->Value : nullptr;
-    channelFields_[1] = channels ? &greenField->Value : nullptr;
-    channelFields_[2] = channels ? &blueField->Value : nullptr;
+    word_ = swatch;
+    channelFields_[0] = channels ? redField : nullptr;
+    channelFields_[1] = channels ? greenField : nullptr;
+    channelFields_[2] = channels ? blueField : nullptr;
 }
 
 // c -> (c << 7) | (c >> 1) spreads a byte over 15 bits, so 255 becomes 32767.
 void ColourControlZel::Sync() {
-    if (word() == nullptr) return;
-    const uint32_t packed = static_cast<uint32_t>(*word());
+    if (word_ == nullptr) return;
+    const uint32_t packed = static_cast<uint32_t>(*word_);
     unsigned short* channels[kChannelCount] = {&red, &green, &blue};
     for (int i = 0; i < kChannelCount; ++i) {
         const unsigned c = packedByte(packed, i);
@@ -41,38 +41,38 @@ void ColourControlZel::Disable(bool disabled) {
         disabled_ = disabled;
         return;
     }
-    if (HasChannelFields()) {
-        for (int i = 1; i <= kChannelCount; ++i) UpdateField(number_ + i);
-        UpdateField(number_);
+    if (hasChannelFields()) {
+        for (int i = 1; i <= kChannelCount; ++i) updateField(number_ + i);
+        updateField(number_);
     }
     disabled_ = disabled;
 }
 
 void ColourControlZel::Hide(bool hidden) {
     hidden_ = hidden;
-    ShowField(number_, hidden);
-    if (!HasChannelFields()) return;
-    for (int i = 1; i < kChannelCount; ++i) ShowField(number_ + i, hidden);
-    ShowField(number_ + kChannelCount, hidden);
+    showField(number_, hidden);
+    if (!hasChannelFields()) return;
+    for (int i = 1; i < kChannelCount; ++i) showField(number_ + i, hidden);
+    showField(number_ + kChannelCount, hidden);
 }
 
 void ColourControlZel::SetValue(double /*time*/, unsigned short r, unsigned short g,
                                 unsigned short b, unsigned short /*a*/) {
-    if (word() == nullptr) return;
+    if (word_ == nullptr) return;
     const unsigned steps[kChannelCount] = {static_cast<unsigned>(r) >> kChannelShift,
                                            static_cast<unsigned>(g) >> kChannelShift,
                                            static_cast<unsigned>(b) >> kChannelShift};
-    *word() = (steps[0] & kByteMask) | (steps[1] & kByteMask) << 8 | (steps[2] & kByteMask) << 16 |
-              kOpaqueAlpha;
+    *word_ = (steps[0] & kByteMask) | (steps[1] & kByteMask) << 8 | (steps[2] & kByteMask) << 16 |
+             kOpaqueAlpha;
     // The percentage fields take the shifted channel before it is cut to a
     // byte; the swatch's own number is not updated.
-    if (HasChannelFields()) {
+    if (hasChannelFields()) {
         for (int i = 0; i < kChannelCount; ++i) {
             if (channelFields_[i] != nullptr) {
                 *channelFields_[i] = static_cast<float>(steps[i] / kPercentPerStep);
             }
         }
-        for (int i = 1; i <= kChannelCount; ++i) UpdateField(number_ + i);
+        for (int i = 1; i <= kChannelCount; ++i) updateField(number_ + i);
     }
     Sync();
 }
@@ -81,7 +81,7 @@ void ColourControlZel::SetValue(double /*time*/, unsigned short r, unsigned shor
 // as 32640: a known asymmetry, kept.
 void ColourControlZel::GetValue(double /*time*/, unsigned short& r, unsigned short& g,
                                 unsigned short& b, unsigned short& a) const {
-    const uint32_t packed = word() != nullptr ? static_cast<uint32_t>(*word()) : 0;
+    const uint32_t packed = word_ != nullptr ? static_cast<uint32_t>(*word_) : 0;
     r = static_cast<unsigned short>(packedByte(packed, 0) << kChannelShift);
     g = static_cast<unsigned short>(packedByte(packed, 1) << kChannelShift);
     b = static_cast<unsigned short>(packedByte(packed, 2) << kChannelShift);

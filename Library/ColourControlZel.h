@@ -17,11 +17,11 @@ class ColourControlZel : public ControlZel {
     void ResetKeyframes() override {}   // the host owns the keys
     void EnableKeyframes() override {}  // the host owns the keys
 
-    // Binds the swatch and, when all three are given, the channel fields.
-    using ControlZel::Bind;
-    void Bind(int number, SparkColorStruct* swatch, SparkFloatStruct* redField = nullptr,
-              SparkFloatStruct* greenField = nullptr, SparkFloatStruct* blueField = nullptr);
-    bool HasChannelFields() const { return second_ != nullptr; }
+    // Binds the swatch's packed word and, when all three are given, the values
+    // of the channel fields.
+    void bind(int number, unsigned long* swatch, float* redField = nullptr,
+              float* greenField = nullptr, float* blueField = nullptr);
+    bool hasChannelFields() const { return channelFields_[0] != nullptr; }
 
     // Writes the swatch (and channel fields) straight away; the time and the
     // alpha argument are ignored.
@@ -36,5 +36,6 @@ class ColourControlZel : public ControlZel {
     unsigned short alpha = 0;
 
   private:
-    unsigned long* word() const { return static_cast<unsigned long*>(primary_); }
+    unsigned long* word_ = nullptr;
+    float* channelFields_[3] = {nullptr, nullptr, nullptr};  // red, green, blue
 };

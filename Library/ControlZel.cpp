@@ -2,11 +2,10 @@
 
 #include <cstring>
 
-void ControlZel::Bind(int number, void* primary, void* second, void* third) {
+#include "ZelHost.h"
+
+void ControlZel::bindNumber(int number) {
     number_ = number;
-    primary_ = primary;
-    second_ = second;
-    third_ = third;
     spareFlag = 0;
     continueToDefault = 1;
 }
@@ -15,52 +14,41 @@ void ControlZel::Disable(bool disabled) { disabled_ = disabled; }
 
 void ControlZel::Hide(bool hidden) { hidden_ = hidden; }
 
-float ControlZel::CurveValue(int number, double time) {
-    return sparkGetCurveValuef(SPARK_UI_CONTROL, number, static_cast<float>(time));
-}
+float ControlZel::curveValue(int number, double time) { return zelCurveValue(number, time); }
 
-void ControlZel::UpdateField(int number) { sparkControlUpdate(number); }
+void ControlZel::updateField(int number) { zelControlUpdate(number); }
 
-void ControlZel::ShowField(int number, bool hidden) {
-    if (hidden) {
-        sparkDisableParameter(SPARK_UI_CONTROL, number);
-    } else {
-        sparkEnableParameter(SPARK_UI_CONTROL, number);
-    }
-}
+void ControlZel::showField(int number, bool hidden) { zelShowField(number, hidden); }
 
-void ControlZel::BindFloatField(int number, SparkFloatStruct* record, ZelAuxFloatRange* saved) {
-    Bind(number, record, saved);
-    if (record != nullptr && saved != nullptr) {
-        saved->min = record->Min;
-        saved->max = record->Max;
-    }
+void ControlZel::saveRange(const ZelFloatField& field, ZelAuxFloatRange* saved) {
+    if (saved == nullptr || field.min == nullptr || field.max == nullptr) return;
+    saved->min = *field.min;
+    saved->max = *field.max;
 }
 
 // A numeric field is greyed out by collapsing its range onto its value, so the
 // user cannot drag it; enabling brings back the range saved at binding.
-void ControlZel::DisableFloatField(bool disabled) {
+void ControlZel::disableFloatField(bool disabled, const ZelFloatField& field,
+                                   const ZelAuxFloatRange* saved) {
     if (disabled_ == disabled) {
         disabled_ = disabled;
         return;
     }
-    auto* record = static_cast<SparkFloatStruct*>(primary_);
-    auto* saved = static_cast<ZelAuxFloatRange*>(second_);
-    if (record != nullptr) {
+    if (field.value != nullptr && field.min != nullptr && field.max != nullptr) {
         if (disabled) {
-            record->Min = record->Value;
-            record->Max = record->Value;
+            *field.min = *field.value;
+            *field.max = *field.value;
         } else if (saved != nullptr) {
-            record->Min = saved->min;
-            record->Max = saved->max;
+            *field.min = saved->min;
+            *field.max = saved->max;
         }
     }
-    UpdateField(number_);
+    updateField(number_);
     disabled_ = disabled;
 }
 
-void ControlZel::CopyText(char* destination, const char* source) {
-    if (destination == nullptr || source == nullptr) return;
-    std::strncpy(destination, source, kZelTextCapacity - 1);
-    destination[kZelTextCapacity - 1] = '\0';
+void ControlZel::copyText(const ZelTextField& destination, const char* source) {
+    if (destination.text == nullptr || source == nullptr || destination.capacity < 1) return;
+    std::strncpy(destination.text, source, static_cast<size_t>(destination.capacity) - 1);
+    destination.text[destination.capacity - 1] = '\0';
 }

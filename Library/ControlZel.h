@@ -1,22 +1,19 @@
 // ControlZel: the base of the plug-in's typed controls. A control is the
 // plug-in's view of one (or a few) fields on the host's setup page: it holds
-// the host's control number and pointers into the host's records, caches the
-// value in the plug-in's units, writes new values back and shows, hides and
-// greys out the field. Plug-in units: fractions of the frame for positions and
-// sizes (the host shows percentages), 15-bit colour channels (0..32767),
-// degrees, 1-based list items (the host counts from 0). A time below 0.0 asks
-// for the cached value; 0.0 or more (or NaN) reads the host's animation curve.
+// the host's control number and views of the host's field records (see
+// ControlFields.h), caches the value in the plug-in's units, writes new values
+// back and shows, hides and greys out the field. Plug-in units: fractions of
+// the frame for positions and sizes (the host shows percentages), 15-bit
+// colour channels (0..32767), degrees, 1-based list items (the host counts
+// from 0). A time below 0.0 asks for the cached value; 0.0 or more (or NaN)
+// reads the host's animation curve. Host calls go through ZelHost.
 //
-// The records belong to the host interface; a control never frees them and
-// reports no errors. An unbound control (null record) ignores value calls.
+// The records belong to the host; a control never frees them and reports no
+// errors. An unbound control (null view) ignores value calls.
 #pragma once
 
-#include <spark.h>
-
 #include "ControlAuxRecords.h"
-
-// Bytes of a host text field's buffer, terminator included.
-constexpr int kZelTextCapacity = sizeof(SparkStringStruct::Value);
+#include "ControlFields.h"
 
 class ControlZel {
   public:
@@ -30,14 +27,9 @@ class ControlZel {
     virtual void ResetKeyframes() {}
     virtual void EnableKeyframes() {}
 
-    // Raw binding done once at start-up: the host control number and the
-    // kind's records (see each kind's typed Bind for what they are). Leaves
-    // spareFlag at 0 and continueToDefault at 1.
-    void Bind(int number, void* primary, void* second = nullptr, void* third = nullptr);
-
-    int Number() const { return number_; }
-    bool IsDisabled() const { return disabled_; }
-    bool IsHidden() const { return hidden_; }
+    int number() const { return number_; }
+    bool isDisabled() const { return disabled_; }
+    bool isHidden() const { return hidden_; }
 
     // Cleared at binding; nothing in the framework reads it.
     unsigned char spareFlag = 0;
@@ -51,24 +43,24 @@ class ControlZel {
     // Controls are members of the plug-in object, never deleted through the base.
     ~ControlZel() = default;
 
-    static bool UsesCache(double time) { return time < 0.0; }
-    static float CurveValue(int number, double time);
-    static void UpdateField(int number);
-    static void ShowField(int number, bool hidden);
+    // What every kind's bind does first: the number, and the two flags.
+    void bindNumber(int number);
 
-    // Shared by the kinds whose primary is one float record and whose second
-    // is its saved range (Float, Angle, Size).
-    void BindFloatField(int number, SparkFloatStruct* record, ZelAuxFloatRange* saved);
-    void DisableFloatField(bool disabled);
+    static bool usesCache(double time) { return time < 0.0; }
+    static float curveValue(int number, double time);
+    static void updateField(int number);
+    static void showField(int number, bool hidden);
+
+    // Greys a float field out by collapsing its range onto its value, and
+    // brings back the saved range (Float, Angle, Size).
+    void disableFloatField(bool disabled, const ZelFloatField& field,
+                           const ZelAuxFloatRange* saved);
+    static void saveRange(const ZelFloatField& field, ZelAuxFloatRange* saved);
 
     // Text copy into a host text buffer (Text, File), cut to the buffer's size.
-    static void CopyText(char* destination, const char* source);
+    static void copyText(const ZelTextField& destination, const char* source);
 
     int number_ = 0;
-    void* primary_ = nullptr;
-    void* second_ = nullptr;
-    void* third_ = nullptr;
-    float* channelFields_[3] = {nullptr, nullptr, nullptr};  // Colour: red, green, blue
     bool disabled_ = false;
     bool hidden_ = false;
 };

@@ -2,13 +2,15 @@
 
 #include <cctype>
 
-void FileControlZel::Bind(int number, SparkStringStruct* record) {
-    ControlZel::Bind(number, record != nullptr ? record->Value : nullptr);
+void FileControlZel::bind(int number, ZelTextField field) {
+    bindNumber(number);
+    field_ = field;
 }
 
 // Before the first GetValue there is no cached buffer to copy into.
 void FileControlZel::Sync() {
-    if (value != nullptr && value != buffer()) CopyText(value, buffer());
+    if (value != nullptr && value != field_.text)
+        copyText(ZelTextField{value, field_.capacity}, field_.text);
 }
 
 void FileControlZel::Disable(bool disabled) {
@@ -16,27 +18,27 @@ void FileControlZel::Disable(bool disabled) {
         disabled_ = disabled;
         return;
     }
-    UpdateField(number_);
+    updateField(number_);
     disabled_ = disabled;
 }
 
 void FileControlZel::Hide(bool hidden) {
     hidden_ = hidden;
-    ShowField(number_, hidden);
-    ShowField(number_ + kZelFileTextFieldOffset, hidden);
+    showField(number_, hidden);
+    showField(number_ + kZelFileTextFieldOffset, hidden);
 }
 
 void FileControlZel::SetValue(double /*time*/, char* text) {
-    if (buffer() == nullptr) return;
-    if (text != buffer()) CopyText(buffer(), text);
-    UpdateField(number_ + kZelFileTextFieldOffset);
+    if (field_.text == nullptr) return;
+    if (text != field_.text) copyText(field_, text);
+    updateField(number_ + kZelFileTextFieldOffset);
     Sync();
 }
 
 // Blanks anywhere in a typed file name are dropped, and the host's buffer is
 // rewritten with the compacted name.
 void FileControlZel::GetValue(double /*time*/, char*& out) {
-    char* name = buffer();
+    char* name = field_.text;
     if (name != nullptr) {
         char* kept = name;
         for (const char* c = name; *c != '\0'; ++c) {

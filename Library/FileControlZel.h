@@ -1,7 +1,7 @@
 // FileControlZel: a file name picked through a browse button. The button is
-// the control's number; the name's text field (a SparkStringStruct whose Value
-// buffer this control reads and writes) is always at number + 7. Reading the
-// name strips every white-space character out of the host's buffer itself.
+// the control's number; the name's text field (whose buffer this control reads
+// and writes) is always at number + 7. Reading the name strips every
+// white-space character out of the host's buffer itself.
 #pragma once
 
 #include "ControlZel.h"
@@ -17,9 +17,8 @@ class FileControlZel : public ControlZel {
     void Disable(bool disabled) override;
     void Hide(bool hidden) override;
 
-    // number is the button's; record is the text field at number + 7.
-    using ControlZel::Bind;
-    void Bind(int number, SparkStringStruct* record);
+    // number is the button's; field is the text field at number + 7.
+    void bind(int number, ZelTextField field);
 
     // Copies text into the host buffer (unless it is that buffer); time ignored.
     void SetValue(double time, char* text);
@@ -29,5 +28,5 @@ class FileControlZel : public ControlZel {
     char* value = nullptr;
 
   private:
-    char* buffer() const { return static_cast<char*>(primary_); }
+    ZelTextField field_;
 };

@@ -1,28 +1,31 @@
 #include "FloatControlZel.h"
 
-void FloatControlZel::Bind(int number, SparkFloatStruct* record, ZelAuxFloatRange* saved) {
-    BindFloatField(number, record, saved);
+void FloatControlZel::bind(int number, ZelFloatField field, ZelAuxFloatRange* saved) {
+    bindNumber(number);
+    field_ = field;
+    saved_ = saved;
+    saveRange(field_, saved_);
 }
 
 void FloatControlZel::Sync() {
-    if (record() != nullptr) value = record()->Value;
+    if (field_.value != nullptr) value = *field_.value;
 }
 
-void FloatControlZel::Disable(bool disabled) { DisableFloatField(disabled); }
+void FloatControlZel::Disable(bool disabled) { disableFloatField(disabled, field_, saved_); }
 
 // Unlike the other kinds, the host is told before the flag is stored.
 void FloatControlZel::Hide(bool hidden) {
-    ShowField(number_, hidden);
+    showField(number_, hidden);
     hidden_ = hidden;
 }
 
 void FloatControlZel::SetValue(double /*time*/, double newValue) {
-    if (record() == nullptr) return;
-    record()->Value = static_cast<float>(newValue);
-    UpdateField(number_);
+    if (field_.value == nullptr) return;
+    *field_.value = static_cast<float>(newValue);
+    updateField(number_);
     Sync();
 }
 
 void FloatControlZel::GetValue(double time, double& out) const {
-    out = UsesCache(time) ? value : CurveValue(number_, time);
+    out = usesCache(time) ? value : curveValue(number_, time);
 }

@@ -1,6 +1,6 @@
 // FloatControlZel: one animatable float field, held unconverted (the plug-in
-// and the host use the same units). Bound to the field's SparkFloatStruct and
-// a ZelAuxFloatRange that keeps the field's range while it is greyed out.
+// and the host use the same units). Bound to the field's record view and a
+// ZelAuxFloatRange that keeps the field's range while it is greyed out.
 #pragma once
 
 #include "ControlZel.h"
@@ -15,18 +15,18 @@ class FloatControlZel : public ControlZel {
     void ResetKeyframes() override {}   // the host owns the keys
     void EnableKeyframes() override {}  // the host owns the keys
 
-    // Binds and saves the record's current Min/Max into saved.
-    using ControlZel::Bind;
-    void Bind(int number, SparkFloatStruct* record, ZelAuxFloatRange* saved);
+    // Binds and saves the field's current range into saved.
+    void bind(int number, ZelFloatField field, ZelAuxFloatRange* saved);
 
     // Writes the host record straight away (no curve key); the time is ignored.
     void SetValue(double time, double newValue);
     void GetValue(double time, double& out) const;
     // The host binding's per-frame copy of the host value.
-    void SetCached(double newValue) { value = newValue; }
+    void setCached(double newValue) { value = newValue; }
 
     double value = 0.0;  // as of the last Sync
 
   private:
-    SparkFloatStruct* record() const { return static_cast<SparkFloatStruct*>(primary_); }
+    ZelFloatField field_;
+    ZelAuxFloatRange* saved_ = nullptr;
 };

@@ -1,15 +1,17 @@
 #include "IntegerControlZel.h"
 
-void IntegerControlZel::Bind(int number, SparkIntStruct* record, ZelAuxFloatRange* saved) {
-    ControlZel::Bind(number, record, saved);
-    if (record != nullptr && saved != nullptr) {
-        saved->min = static_cast<float>(record->Min);
-        saved->max = static_cast<float>(record->Max);
+void IntegerControlZel::bind(int number, ZelIntField field, ZelAuxFloatRange* saved) {
+    bindNumber(number);
+    field_ = field;
+    saved_ = saved;
+    if (saved_ != nullptr && field_.min != nullptr && field_.max != nullptr) {
+        saved_->min = static_cast<float>(*field_.min);
+        saved_->max = static_cast<float>(*field_.max);
     }
 }
 
 void IntegerControlZel::Sync() {
-    if (record() != nullptr) value = record()->Value;
+    if (field_.value != nullptr) value = *field_.value;
 }
 
 // Greyed out by collapsing the range onto the value; enabling restores the
@@ -19,32 +21,31 @@ void IntegerControlZel::Disable(bool disabled) {
         disabled_ = disabled;
         return;
     }
-    auto* saved = static_cast<ZelAuxFloatRange*>(second_);
-    if (record() != nullptr) {
+    if (field_.value != nullptr && field_.min != nullptr && field_.max != nullptr) {
         if (disabled) {
-            record()->Min = record()->Value;
-            record()->Max = record()->Value;
-        } else if (saved != nullptr) {
-            record()->Min = static_cast<int>(saved->min);
-            record()->Max = static_cast<int>(saved->max);
+            *field_.min = *field_.value;
+            *field_.max = *field_.value;
+        } else if (saved_ != nullptr) {
+            *field_.min = static_cast<int>(saved_->min);
+            *field_.max = static_cast<int>(saved_->max);
         }
     }
-    UpdateField(number_);
+    updateField(number_);
     disabled_ = disabled;
 }
 
 void IntegerControlZel::Hide(bool hidden) {
     hidden_ = hidden;
-    ShowField(number_, hidden);
+    showField(number_, hidden);
 }
 
 void IntegerControlZel::SetValue(double /*time*/, long newValue) {
-    if (record() == nullptr) return;
-    record()->Value = static_cast<int>(newValue);
-    UpdateField(number_);
+    if (field_.value == nullptr) return;
+    *field_.value = static_cast<int>(newValue);
+    updateField(number_);
     Sync();
 }
 
 void IntegerControlZel::GetValue(double time, long& out) const {
-    out = UsesCache(time) ? value : static_cast<long>(CurveValue(number_, time));
+    out = usesCache(time) ? value : static_cast<long>(curveValue(number_, time));
 }

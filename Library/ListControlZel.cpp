@@ -4,13 +4,15 @@ namespace {
 constexpr int kFirstItem = 1;  // plug-in item of the host's index 0
 }
 
-void ListControlZel::Bind(int number, SparkPupStruct* record, ZelAuxList* saved) {
-    ControlZel::Bind(number, record, saved);
-    if (record != nullptr && saved != nullptr) saved->entryCount = record->TitleCount;
+void ListControlZel::bind(int number, ZelListField field, ZelAuxList* saved) {
+    bindNumber(number);
+    field_ = field;
+    saved_ = saved;
+    if (saved_ != nullptr && field_.entryCount != nullptr) saved_->entryCount = *field_.entryCount;
 }
 
 void ListControlZel::Sync() {
-    if (record() != nullptr) value = record()->Value + kFirstItem;
+    if (field_.index != nullptr) value = *field_.index + kFirstItem;
 }
 
 // Greyed out by shrinking the menu to its first entry; enabling restores the
@@ -20,31 +22,30 @@ void ListControlZel::Disable(bool disabled) {
         disabled_ = disabled;
         return;
     }
-    auto* saved = static_cast<ZelAuxList*>(second_);
-    if (record() != nullptr) {
+    if (field_.entryCount != nullptr) {
         if (disabled) {
-            record()->TitleCount = 1;
-        } else if (saved != nullptr) {
-            record()->TitleCount = saved->entryCount;
+            *field_.entryCount = 1;
+        } else if (saved_ != nullptr) {
+            *field_.entryCount = saved_->entryCount;
         }
     }
-    UpdateField(number_);
+    updateField(number_);
     disabled_ = disabled;
 }
 
 void ListControlZel::Hide(bool hidden) {
     hidden_ = hidden;
-    ShowField(number_, hidden);
+    showField(number_, hidden);
 }
 
 void ListControlZel::SetValue(double /*time*/, long item) {
-    if (record() == nullptr) return;
-    record()->Value = static_cast<int>(item - kFirstItem);
-    UpdateField(number_);
+    if (field_.index == nullptr) return;
+    *field_.index = static_cast<int>(item - kFirstItem);
+    updateField(number_);
     Sync();
 }
 
 void ListControlZel::GetValue(double /*time*/, long& item) {
-    if (record() != nullptr) value = record()->Value + kFirstItem;
+    if (field_.index != nullptr) value = *field_.index + kFirstItem;
     item = value;
 }

@@ -1,5 +1,5 @@
 // ListControlZel: a pop-up menu. The plug-in counts items from 1, the host's
-// SparkPupStruct from 0. A ZelAuxList keeps the menu's entry count while the
+// menu record from 0. A ZelAuxList keeps the menu's entry count while the
 // menu is greyed out (shrunk to one entry).
 #pragma once
 
@@ -15,18 +15,18 @@ class ListControlZel : public ControlZel {
     void Disable(bool disabled) override;
     void Hide(bool hidden) override;
 
-    // Binds and saves the record's current entry count into saved.
-    using ControlZel::Bind;
-    void Bind(int number, SparkPupStruct* record, ZelAuxList* saved);
+    // Binds and saves the menu's current entry count into saved.
+    void bind(int number, ZelListField field, ZelAuxList* saved);
 
     // Writes the host index (item - 1) straight away; the time is ignored.
     void SetValue(double time, long item);
     // Reads the host index as an item number, which also becomes the cache.
     void GetValue(double time, long& item);
-    void SetCached(long item) { value = static_cast<int32_t>(item); }
+    void setCached(long item) { value = static_cast<int32_t>(item); }
 
     int32_t value = 1;  // 1-based item, as of the last Sync
 
   private:
-    SparkPupStruct* record() const { return static_cast<SparkPupStruct*>(primary_); }
+    ZelListField field_;
+    ZelAuxList* saved_ = nullptr;
 };

@@ -14,7 +14,7 @@
 class ImageZel;
 
 class PluginZel {
-public:
+  public:
     using RowWorker = void (PluginZel::*)(long first, long last);
     using LibraryRowFunction = void (*)(void* data, int first, int last);
 
@@ -30,12 +30,14 @@ public:
     virtual void Reset(int);
     virtual void FrameChange(double);
 
-    // Runs fn over count rows split into DLnumProc bands; returns when all are done.
+    // Runs fn over count rows split into bands over the host's processors
+    // (zelForEachBand); returns when all are done.
     void MultiProcess(RowWorker fn, long count);
     // Runs the plain function stored by lib_mp_exec over one band.
     void execute_library_mp_func(long first, long last);
     // Motion values of frame 2 x frame of clip: width x height (u, v) float
-    // pairs, row-major; the caller frees them with delete[].
+    // pairs, row-major; the caller frees them with delete[]. Null when memory
+    // ran out or the clip gave no frame.
     float* GetTrackData(SourceZel* clip, double frame);
     void mp_ImgToTV(long first, long last);
     int AbortRender() { return 0; }  // a running operation is never asked to stop
@@ -60,12 +62,12 @@ public:
     double reservedRate = 25.0;
     int frameStateWord = 0;  // cleared by the host binding at every frame
     int reservedWord2 = 0;
-    float* trackValues = nullptr;      // GetTrackData's output while it runs
-    ImageZel* trackImage = nullptr;    // GetTrackData's input while it runs
+    float* trackValues = nullptr;    // GetTrackData's output while it runs
+    ImageZel* trackImage = nullptr;  // GetTrackData's input while it runs
     SourceZel input;
     ResultZel output;
 
-private:
+  private:
     static constexpr unsigned int kSettingsFirstWord = 15;
 };
 

@@ -1,38 +1,10 @@
-// Banded work through the host's fork service. Kept apart from the rest of
-// PluginZel so that programs that never fork link the base class without a host.
-#include <spark.h>
-
+// Banded work of the plug-in base class, through the framework's one banding
+// function (the host's processors when the host offers a fork service).
 #include "PluginZel.h"
 #include "ZelBand.h"
-#include "ZelHostGlobals.h"
-
-namespace {
-
-constexpr int kForkArgCount = 4;
-
-// Runs in each forked worker with the four pointers handed to sparkMpFork.
-void pluginBandEntry(void* fnArg, void* pluginArg, void* countArg, void* procArg) {
-    const PluginZel::RowWorker fn = *static_cast<PluginZel::RowWorker*>(fnArg);
-    PluginZel* plugin = static_cast<PluginZel*>(pluginArg);
-    const long count = *static_cast<long*>(countArg);
-    const int processors = *static_cast<int*>(procArg);
-
-    unsigned long offset = 0;
-    unsigned long length = 0;
-    sparkMpInfo(&offset, &length);
-    long first = 0;
-    long last = -1;
-    zelBandRows(zelBandIndex(offset, length), processors, count, first, last);
-    (plugin->*fn)(first, last);
-}
-
-}  // namespace
 
 void PluginZel::MultiProcess(RowWorker fn, long count) {
-    // The arguments point into this frame; sparkMpFork returns only when
-    // every worker has finished.
-    sparkMpFork(reinterpret_cast<void (*)()>(pluginBandEntry), kForkArgCount, &fn, this, &count,
-                &DLnumProc);
+    zelForEachBand(count, [this, fn](long first, long last) { (this->*fn)(first, last); });
 }
 
 void PluginZel::execute_library_mp_func(long first, long last) {

@@ -1,5 +1,6 @@
-// Motion values from a second clip. Kept apart because it fetches frames
-// through the host binding's buffer conversion.
+// Motion values from a second clip.
+#include <new>
+
 #include "ImageZel.h"
 #include "PluginZel.h"
 
@@ -20,11 +21,21 @@ float trackComponent(unsigned short low, unsigned short high) {
 float* PluginZel::GetTrackData(SourceZel* clip, double frame) {
     const int width = clip->image->width;
     const int height = clip->image->height;
-    ImageZel* image = new ImageZel(width, height, 1.0f, nullptr, nullptr);
-    float* values = new float[2 * static_cast<long>(width) * height];
+    ImageZel* image = new (std::nothrow) ImageZel(width, height, 1.0f, nullptr, nullptr);
+    float* values = new (std::nothrow) float[2 * static_cast<long>(width) * height];
+    // Without memory for the picture or the values there is nothing to give.
+    if (image == nullptr || values == nullptr || !image->hasPixels()) {
+        delete image;
+        delete[] values;
+        return nullptr;
+    }
 
     // The clip's frame numbering runs at twice the given rate, deliberately.
     clip->GetValue(2.0 * frame, image);
+    if (image == nullptr) {
+        delete[] values;
+        return nullptr;
+    }
 
     trackImage = image;
     trackValues = values;

@@ -4,30 +4,37 @@ namespace {
 constexpr double kPercent = 100.0;  // host field = fraction * 100
 constexpr int kYOffset = 1;         // the y field's number after the x field's
 
-void collapseRange(SparkFloatStruct* record) {
-    if (record == nullptr) return;
-    record->Min = record->Value;
-    record->Max = record->Value;
+bool complete(const ZelFloatField& field) {
+    return field.value != nullptr && field.min != nullptr && field.max != nullptr;
 }
 
-void restoreRange(SparkFloatStruct* record, float min, float max) {
-    if (record == nullptr) return;
-    record->Min = min;
-    record->Max = max;
+void collapseRange(const ZelFloatField& field) {
+    if (!complete(field)) return;
+    *field.min = *field.value;
+    *field.max = *field.value;
+}
+
+void restoreRange(const ZelFloatField& field, float min, float max) {
+    if (!complete(field)) return;
+    *field.min = min;
+    *field.max = max;
 }
 }  // namespace
 
-void PositionControlZel::Bind(int number, SparkFloatStruct* xRecord, SparkFloatStruct* yRecord,
+void PositionControlZel::bind(int number, ZelFloatField xField, ZelFloatField yField,
                               ZelAuxPositionRange* saved) {
-    ControlZel::Bind(number, xRecord, yRecord, saved);
-    if (saved == nullptr) return;
-    if (xRecord != nullptr) {
-        saved->xMin = xRecord->Min;
-        saved->xMax = xRecord->Max;
+    bindNumber(number);
+    xField_ = xField;
+    yField_ = yField;
+    saved_ = saved;
+    if (saved_ == nullptr) return;
+    if (complete(xField_)) {
+        saved_->xMin = *xField_.min;
+        saved_->xMax = *xField_.max;
     }
-    if (yRecord != nullptr) {
-        saved->yMin = yRecord->Min;
-        saved->yMax = yRecord->Max;
+    if (complete(yField_)) {
+        saved_->yMin = *yField_.min;
+        saved_->yMax = *yField_.max;
     }
 }
 
@@ -39,40 +46,40 @@ void PositionControlZel::Disable(bool disabled) {
         return;
     }
     if (disabled) {
-        collapseRange(xRecord());
-        collapseRange(yRecord());
-    } else if (saved() != nullptr) {
-        restoreRange(xRecord(), saved()->xMin, saved()->xMax);
-        restoreRange(yRecord(), saved()->yMin, saved()->yMax);
+        collapseRange(xField_);
+        collapseRange(yField_);
+    } else if (saved_ != nullptr) {
+        restoreRange(xField_, saved_->xMin, saved_->xMax);
+        restoreRange(yField_, saved_->yMin, saved_->yMax);
     }
-    UpdateField(number_);
-    UpdateField(number_ + kYOffset);
+    updateField(number_);
+    updateField(number_ + kYOffset);
     disabled_ = disabled;
 }
 
 void PositionControlZel::Hide(bool hidden) {
     hidden_ = hidden;
-    ShowField(number_, hidden);
-    ShowField(number_ + kYOffset, hidden);
+    showField(number_, hidden);
+    showField(number_ + kYOffset, hidden);
 }
 
 void PositionControlZel::SetValue(double /*time*/, double newX, double newY) {
-    if (xRecord() == nullptr || yRecord() == nullptr) return;
-    xRecord()->Value = static_cast<float>(newX * kPercent);
-    yRecord()->Value = static_cast<float>(newY * kPercent);
-    UpdateField(number_);
-    UpdateField(number_ + kYOffset);
+    if (xField_.value == nullptr || yField_.value == nullptr) return;
+    *xField_.value = static_cast<float>(newX * kPercent);
+    *yField_.value = static_cast<float>(newY * kPercent);
+    updateField(number_);
+    updateField(number_ + kYOffset);
     Sync();
 }
 
 // The cache already holds fractions, yet the cached path divides by 100 once
 // more (field / 10000), as Size does: a known quirk, kept.
 void PositionControlZel::GetValue(double time, double& outX, double& outY) const {
-    if (UsesCache(time)) {
+    if (usesCache(time)) {
         outX = x / kPercent;
         outY = y / kPercent;
         return;
     }
-    outX = CurveValue(number_, time) / kPercent;
-    outY = CurveValue(number_ + kYOffset, time) / kPercent;
+    outX = curveValue(number_, time) / kPercent;
+    outY = curveValue(number_ + kYOffset, time) / kPercent;
 }

@@ -1,9 +1,8 @@
 #include "PrintError.h"
 
-#include <spark.h>
-
 #include <cstdio>
 
+#include "ZelHost.h"
 #include "ZelSleep.h"
 
 namespace {
@@ -13,8 +12,7 @@ constexpr int kReadingPauseSeconds = 2;
 }  // namespace
 
 void PrintError(const char* text) {
-    // The host's prototype takes a plain char*; it only reads the text.
-    sparkMessage(const_cast<char*>(text));
+    zelHostMessage(text);
     zelSleepSeconds(kReadingPauseSeconds);
     std::fprintf(stderr, "SPARK_MESSAGE::\t%s\n", text);
 }

@@ -6,7 +6,7 @@
 class ImageZel;
 
 class ResultZel {
-public:
+  public:
     unsigned int reserved[16] = {};
     ImageZel* image = nullptr;
 };

@@ -1,7 +1,6 @@
 // SizeControlZel: a size as a fraction of the frame; the host field shows it
-// as a percentage (field = fraction * 100). Bound to the field's
-// SparkFloatStruct and a ZelAuxFloatRange that keeps the field's range while
-// it is greyed out.
+// as a percentage (field = fraction * 100). Bound to the field's record view
+// and a ZelAuxFloatRange that keeps the field's range while it is greyed out.
 #pragma once
 
 #include "ControlZel.h"
@@ -16,17 +15,17 @@ class SizeControlZel : public ControlZel {
     void ResetKeyframes() override {}   // the host owns the keys
     void EnableKeyframes() override {}  // the host owns the keys
 
-    // Binds and saves the record's current Min/Max into saved.
-    using ControlZel::Bind;
-    void Bind(int number, SparkFloatStruct* record, ZelAuxFloatRange* saved);
+    // Binds and saves the field's current range into saved.
+    void bind(int number, ZelFloatField field, ZelAuxFloatRange* saved);
 
     // Writes the host record straight away (no curve key); the time is ignored.
     void SetValue(double time, double fraction);
     void GetValue(double time, double& out) const;
-    void SetCached(double fraction) { value = fraction; }
+    void setCached(double fraction) { value = fraction; }
 
     double value = 0.0;  // fraction, as of the last Sync
 
   private:
-    SparkFloatStruct* record() const { return static_cast<SparkFloatStruct*>(primary_); }
+    ZelFloatField field_;
+    ZelAuxFloatRange* saved_ = nullptr;
 };

@@ -1,11 +1,9 @@
-// Kept in its own unit: it needs the host binding's buffer conversion, which
-// only programs that link the host binding provide.
 #include "SourceZel.h"
 
 #include "DLImageConversion.h"
 #include "ImageZel.h"
 #include "PrintError.h"
-#include "ZelHostGlobals.h"
+#include "ZelHost.h"
 
 namespace {
 
@@ -15,19 +13,26 @@ constexpr int kCopyPixels = 1;
 
 void SourceZel::GetValue(double t, ImageZel*& image) {
     if (tempBufferCount == 0) {
-        PrintError("Random Frame Access requested via GetValue(), but no temp buf allocated. "
-                   "(DLRandom in .plugin?)\n");
+        PrintError(
+            "Random Frame Access requested via GetValue(), but no temp buf allocated. "
+            "(DLRandom in .plugin?)\n");
         return;
     }
+    const ZelHost& host = zelHost();
     const double aspect = image->pixelAspect;
     const int frameNumber = static_cast<int>(t + 0.5);
     unsigned long* buffer = tempBuffers[0].Buffer;
-    sparkGetFrame(clipIndex, frameNumber, buffer);
+    if (host.getFrame != nullptr) host.getFrame(clipIndex, frameNumber, buffer);
+    const ZelFrameContext& frame = host.frame;
+    ImageZel* converted = nullptr;
     if (deep12) {
-        image = ConvertFromDLImage12(reinterpret_cast<unsigned short*>(buffer), DLwidth, DLheight,
-                                     aspect, DLscalesr, image, kCopyPixels);
+        converted =
+            ConvertFromDLImage12(reinterpret_cast<unsigned short*>(buffer), frame.width,
+                                 frame.height, aspect, frame.proxyFactor, image, kCopyPixels);
     } else {
-        image = ConvertFromDLImage8(reinterpret_cast<unsigned char*>(buffer), DLwidth, DLheight,
-                                    aspect, DLscalesr, image, kCopyPixels);
+        converted =
+            ConvertFromDLImage8(reinterpret_cast<unsigned char*>(buffer), frame.width, frame.height,
+                                aspect, frame.proxyFactor, image, kCopyPixels);
     }
+    image = converted;
 }

@@ -5,22 +5,26 @@
 // frame) and needs temporary buffers that the host hands out on request.
 #pragma once
 
-#include <spark.h>
-
 class ImageZel;
 
+// A temporary frame buffer the host lent the plug-in: its pixel block.
+struct ZelFrameBuffer {
+    int reserved = 0;
+    unsigned long* Buffer = nullptr;
+};
+
 class SourceZel {
-public:
+  public:
     // Converts frame trunc(t + 0.5) of this clip into image, reusing it; image
     // must be a valid picture (its pixel aspect is kept). Without temporary
     // buffers the user is told and image is left as it was.
     void GetValue(double t, ImageZel*& image);
 
     int tempBufferCount = 0;
-    SparkMemBufStruct* tempBuffers = nullptr;  // host buffer records; Buffer is the pixel block
+    ZelFrameBuffer* tempBuffers = nullptr;
     unsigned int reserved[14] = {};
     ImageZel* image = nullptr;
     int activeWord = 1;
-    int clipIndex = 0;   // the host's clip number for sparkGetFrame
-    char deep12 = 0;     // 1 when the host works at 12 bits per channel
+    int clipIndex = 0;  // the host's clip number for frame fetches
+    char deep12 = 0;    // 1 when the host works at 12 bits per channel
 };

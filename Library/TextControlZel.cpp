@@ -1,27 +1,29 @@
 #include "TextControlZel.h"
 
-void TextControlZel::Bind(int number, SparkStringStruct* record) {
-    ControlZel::Bind(number, record != nullptr ? record->Value : nullptr);
+void TextControlZel::bind(int number, ZelTextField field) {
+    bindNumber(number);
+    field_ = field;
 }
 
 // Before the first GetValue there is no cached buffer to copy into.
 void TextControlZel::Sync() {
-    if (value != nullptr && value != buffer()) CopyText(value, buffer());
+    if (value != nullptr && value != field_.text)
+        copyText(ZelTextField{value, field_.capacity}, field_.text);
 }
 
 void TextControlZel::Hide(bool hidden) {
     hidden_ = hidden;
-    ShowField(number_, hidden);
+    showField(number_, hidden);
 }
 
 void TextControlZel::SetValue(double /*time*/, char* text) {
-    if (buffer() == nullptr) return;
-    if (text != buffer()) CopyText(buffer(), text);
-    UpdateField(number_);
+    if (field_.text == nullptr) return;
+    if (text != field_.text) copyText(field_, text);
+    updateField(number_);
     Sync();
 }
 
 void TextControlZel::GetValue(double /*time*/, char*& out) {
-    value = buffer();
+    value = field_.text;
     out = value;
 }

@@ -1,6 +1,6 @@
-// TextControlZel: a text field, read and written through the Value buffer of
-// its SparkStringStruct. The cached text pointer is set only by GetValue (it
-// then points at the host's buffer); Sync copies into it once it is set.
+// TextControlZel: a text field, read and written through its host buffer. The
+// cached text pointer is set only by GetValue (it then points at the host's
+// buffer); Sync copies into it once it is set.
 #pragma once
 
 #include "ControlZel.h"
@@ -13,8 +13,7 @@ class TextControlZel : public ControlZel {
     void Disable(bool disabled) override { disabled_ = disabled; }  // nothing to grey out
     void Hide(bool hidden) override;
 
-    using ControlZel::Bind;
-    void Bind(int number, SparkStringStruct* record);
+    void bind(int number, ZelTextField field);
 
     // Copies text into the host buffer (unless it is that buffer); time ignored.
     void SetValue(double time, char* text);
@@ -24,5 +23,5 @@ class TextControlZel : public ControlZel {
     char* value = nullptr;
 
   private:
-    char* buffer() const { return static_cast<char*>(primary_); }
+    ZelTextField field_;
 };

@@ -23,14 +23,14 @@ struct BenchLens {
     BenchLens(int width, int height, double magnify = 1.0) {
         setenv("STRAIGHTLUX_SLEEP_SCALE", "0", 1);
         StraightluxInfo& c = lens.info;
-        c.centre.SetCached(0.5, 0.5);
-        c.squeeze.SetCached(1.0);
-        c.radial1.SetCached(kRadial1);
-        c.radial2.SetCached(kRadial2);
-        c.magnify.SetCached(magnify);
-        c.sampling.SetCached(kSamplingSharpCubic);
-        c.mode.SetCached(kModeRemove);
-        c.view.SetCached(kViewResult);
+        c.centre.setCached(0.5, 0.5);
+        c.squeeze.setCached(1.0);
+        c.radial1.setCached(kRadial1);
+        c.radial2.setCached(kRadial2);
+        c.magnify.setCached(magnify);
+        c.sampling.setCached(kSamplingSharpCubic);
+        c.mode.setCached(kModeRemove);
+        c.view.setCached(kViewResult);
         lens.width = width;
         lens.height = height;
         lens.centreX = 0.5f * width;

@@ -1,12 +1,26 @@
 #include "ControlBinding.h"
 
-#include "PluginInstance.h"
 #include "SparkControlRecords.h"
+#include "StraightluxInfo.h"
 
 namespace {
 
 // The host shows the centre in percent of the frame; the control holds a fraction.
 constexpr double kPercent = 100.0;
+static_assert(kCentreXControl.unit == ControlUnit::kPercent &&
+                  kCentreYControl.unit == ControlUnit::kPercent,
+              "the centre is copied as a fraction");
+
+ZelFloatField fieldOf(SparkFloatStruct& record) {
+    return ZelFloatField{&record.Value, &record.Min, &record.Max};
+}
+
+ZelListField fieldOf(SparkPupStruct& record) {
+    return ZelListField{&record.Value, &record.TitleCount};
+}
+
+// The host counts menu entries from 0, the controls from 1.
+long itemOf(const SparkPupStruct& record) { return record.Value + 1L; }
 
 }  // namespace
 
@@ -22,38 +36,36 @@ ZelAuxList AuxZelList20;
 ZelAuxList AuxZelList23;
 ZelAuxList AuxZelList24;
 
-// In host control order. Each Bind stores number and records, saves the
-// field's range and leaves the control's continue-to-default flag set.
-void BindControls() {
-    StraightluxInfo& controls = Instance.info;
-    controls.radial1.Bind(kRadial1Control, &SparkFloat6, &AuxZelFloat6);
-    controls.radial2.Bind(kRadial2Control, &SparkFloat7, &AuxZelFloat7);
-    controls.xCurvature.Bind(kXCurvatureControl, &SparkFloat8, &AuxZelFloat8);
-    controls.yCurvature.Bind(kYCurvatureControl, &SparkFloat9, &AuxZelFloat9);
-    controls.centre.Bind(kCentreXControl, &SparkFloat13, &SparkFloat14, &AuxZelPosition13);
-    controls.squeeze.Bind(kSqueezeControl, &SparkFloat16, &AuxZelFloat16);
-    controls.sampling.Bind(kSamplingControl, &SparkPup17, &AuxZelList17);
-    controls.magnify.Bind(kMagnifyControl, &SparkFloat18, &AuxZelFloat18);
-    controls.lineEdit.Bind(kLineEditControl, &SparkPup20, &AuxZelList20);
-    controls.killLines.Bind(kKillLinesControl, &SparkPush21);
-    controls.autoFind.Bind(kAutoFindControl, &SparkPush22);
-    controls.mode.Bind(kModeControl, &SparkPup23, &AuxZelList23);
-    controls.view.Bind(kViewControl, &SparkPup24, &AuxZelList24);
-    controls.reset.Bind(kResetButtonControl, &SparkPush27);
+// In host control order. Each bind stores the number and the record views,
+// saves the field's range and leaves the control's continue-to-default flag set.
+void bindControls(StraightluxInfo& c) {
+    c.radial1.bind(kRadial1Control.number, fieldOf(SparkFloat6), &AuxZelFloat6);
+    c.radial2.bind(kRadial2Control.number, fieldOf(SparkFloat7), &AuxZelFloat7);
+    c.xCurvature.bind(kXCurvatureControl.number, fieldOf(SparkFloat8), &AuxZelFloat8);
+    c.yCurvature.bind(kYCurvatureControl.number, fieldOf(SparkFloat9), &AuxZelFloat9);
+    c.centre.bind(kCentreXControl.number, fieldOf(SparkFloat13), fieldOf(SparkFloat14),
+                  &AuxZelPosition13);
+    c.squeeze.bind(kSqueezeControl.number, fieldOf(SparkFloat16), &AuxZelFloat16);
+    c.sampling.bind(kSamplingControl.number, fieldOf(SparkPup17), &AuxZelList17);
+    c.magnify.bind(kMagnifyControl.number, fieldOf(SparkFloat18), &AuxZelFloat18);
+    c.lineEdit.bind(kLineEditControl.number, fieldOf(SparkPup20), &AuxZelList20);
+    c.killLines.bind(kKillLinesControl.number);
+    c.autoFind.bind(kAutoFindControl.number);
+    c.mode.bind(kModeControl.number, fieldOf(SparkPup23), &AuxZelList23);
+    c.view.bind(kViewControl.number, fieldOf(SparkPup24), &AuxZelList24);
+    c.reset.bind(kResetButtonControl.number);
 }
 
-void CopyHostValuesToControls() {
-    StraightluxInfo& controls = Instance.info;
-    controls.radial1.SetCached(SparkFloat6.Value);
-    controls.radial2.SetCached(SparkFloat7.Value);
-    controls.xCurvature.SetCached(SparkFloat8.Value);
-    controls.yCurvature.SetCached(SparkFloat9.Value);
-    controls.centre.SetCached(SparkFloat13.Value / kPercent, SparkFloat14.Value / kPercent);
-    controls.squeeze.SetCached(SparkFloat16.Value);
-    controls.magnify.SetCached(SparkFloat18.Value);
-    // The host counts menu entries from 0, the controls from 1.
-    controls.sampling.SetCached(SparkPup17.Value + 1);
-    controls.lineEdit.SetCached(SparkPup20.Value + 1);
-    controls.mode.SetCached(SparkPup23.Value + 1);
-    controls.view.SetCached(SparkPup24.Value + 1);
+void copyHostValuesToControls(StraightluxInfo& c) {
+    c.radial1.setCached(SparkFloat6.Value);
+    c.radial2.setCached(SparkFloat7.Value);
+    c.xCurvature.setCached(SparkFloat8.Value);
+    c.yCurvature.setCached(SparkFloat9.Value);
+    c.centre.setCached(SparkFloat13.Value / kPercent, SparkFloat14.Value / kPercent);
+    c.squeeze.setCached(SparkFloat16.Value);
+    c.magnify.setCached(SparkFloat18.Value);
+    c.sampling.setCached(itemOf(SparkPup17));
+    c.lineEdit.setCached(itemOf(SparkPup20));
+    c.mode.setCached(itemOf(SparkPup23));
+    c.view.setCached(itemOf(SparkPup24));
 }

@@ -1,12 +1,14 @@
 // The link between the plug-in's control objects and the host's control
-// records. BindControls runs once at start-up; CopyHostValuesToControls runs
-// before every frame and puts the host values into the controls' cached
-// values in plug-in units (fractions for positions, 1-based list items).
-// The auxiliary records keep each bound field's range while it is greyed out;
-// they stay inside the plug-in.
+// records. bindControls runs once at start-up; copyHostValuesToControls runs
+// before every frame and every overlay drawing and puts the host values into
+// the controls' cached values in plug-in units (fractions for positions,
+// 1-based list items). The auxiliary records keep each bound field's range
+// while it is greyed out; they stay inside the plug-in.
 #pragma once
 
 #include "ControlAuxRecords.h"
+
+struct StraightluxInfo;
 
 extern ZelAuxFloatRange AuxZelFloat6;
 extern ZelAuxFloatRange AuxZelFloat7;
@@ -20,5 +22,6 @@ extern ZelAuxList AuxZelList20;
 extern ZelAuxList AuxZelList23;
 extern ZelAuxList AuxZelList24;
 
-void BindControls();
-void CopyHostValuesToControls();
+// Binds every control of the lens plug-in's info to its exported record.
+void bindControls(StraightluxInfo& controls);
+void copyHostValuesToControls(StraightluxInfo& controls);

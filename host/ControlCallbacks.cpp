@@ -1,7 +1,8 @@
 // The callbacks of the value fields, the buttons and the common fields, and
-// the default handling they hand over to.
+// the default handling they hand over to. Each runs behind the entry guard.
 #include "ControlCallbacks.h"
 
+#include "EntryGuard.h"
 #include "PluginInstance.h"
 #include "SparkControlRecords.h"
 #include "SparkEntryPoints.h"
@@ -17,40 +18,46 @@ using PluginCallback = void (Straightlux::*)(ControlZel&, double);
 double frameOf(const SparkInfoStruct& info) { return static_cast<double>(info.FrameNo); }
 
 bool continuesToDefault(const ControlZel& control) {
-    return !control.IsDisabled() && control.continueToDefault;
+    return !control.isDisabled() && control.continueToDefault;
+}
+
+unsigned long* defaultHandling(int arg, const SparkInfoStruct& info) {
+    if (SparkBoolean34.Value != 0 && arg == kEndOfChange) return SparkProcess(info);
+    sparkViewingDraw();
+    return nullptr;
 }
 
 // Float fields and the centre: the control takes the new host value.
 unsigned long* valueChanged(ControlZel& control, int arg, const SparkInfoStruct& info) {
-    control.Sync();
-    if (continuesToDefault(control)) return DefaultCB(arg, info);
-    return nullptr;
+    return guardedCallback([&] {
+        control.Sync();
+        return continuesToDefault(control) ? defaultHandling(arg, info) : nullptr;
+    });
 }
 
 // Menus may change what the plug-in shows, so its controls are re-synced too.
 unsigned long* menuChanged(ControlZel& control, int arg, const SparkInfoStruct& info) {
-    control.Sync();
-    if (continuesToDefault(control)) {
+    return guardedCallback([&]() -> unsigned long* {
+        control.Sync();
+        if (!continuesToDefault(control)) return nullptr;
         Instance.SyncControls();
-        return DefaultCB(arg, info);
-    }
-    return nullptr;
+        return defaultHandling(arg, info);
+    });
 }
 
 // A disabled button does nothing, but the viewer is still refreshed.
 unsigned long* buttonPressed(ControlZel& button, PluginCallback callback, int arg,
                              const SparkInfoStruct& info) {
-    if (!button.IsDisabled()) (Instance.*callback)(button, frameOf(info));
-    if (button.continueToDefault) return DefaultCB(arg, info);
-    return nullptr;
+    return guardedCallback([&]() -> unsigned long* {
+        if (!button.isDisabled()) (Instance.*callback)(button, frameOf(info));
+        return button.continueToDefault ? defaultHandling(arg, info) : nullptr;
+    });
 }
 
 }  // namespace
 
 unsigned long* DefaultCB(int arg, SparkInfoStruct info) {
-    if (SparkBoolean34.Value != 0 && arg == kEndOfChange) return SparkProcess(info);
-    sparkViewingDraw();
-    return nullptr;
+    return guardedCallback([&] { return defaultHandling(arg, info); });
 }
 
 unsigned long* dlcb_6(int arg, SparkInfoStruct info) {
@@ -96,14 +103,14 @@ unsigned long* dlcb_24(int arg, SparkInfoStruct info) {
 // The plug-in hears of a new line-edit mode even when the default handling
 // is switched off for this control.
 unsigned long* dlcb_20(int arg, SparkInfoStruct info) {
-    ListControlZel& lineEdit = Instance.info.lineEdit;
-    lineEdit.Sync();
-    if (!lineEdit.IsDisabled()) Instance.LineEditCB(lineEdit, frameOf(info));
-    if (lineEdit.continueToDefault) {
+    return guardedCallback([&]() -> unsigned long* {
+        ListControlZel& lineEdit = Instance.info.lineEdit;
+        lineEdit.Sync();
+        if (!lineEdit.isDisabled()) Instance.LineEditCB(lineEdit, frameOf(info));
+        if (!lineEdit.continueToDefault) return nullptr;
         Instance.SyncControls();
-        return DefaultCB(arg, info);
-    }
-    return nullptr;
+        return defaultHandling(arg, info);
+    });
 }
 
 unsigned long* dlcb_21(int arg, SparkInfoStruct info) {
@@ -121,31 +128,39 @@ unsigned long* dlcb_27(int arg, SparkInfoStruct info) {
 // While the host is in its module level, the end of a blend change re-renders
 // (with "Auto Preview" on); otherwise the viewer is only redrawn.
 unsigned long* Blend1CB(int arg, SparkInfoStruct info) {
-    sparkViewingDraw();
-    if (info.Mode == kModuleMode && arg == kEndOfChange) {
-        sparkControlUpdate(kBlendControl);
-        return DefaultCB(kEndOfChange, info);
-    }
-    return nullptr;
+    return guardedCallback([&]() -> unsigned long* {
+        sparkViewingDraw();
+        if (info.Mode != kModuleMode || arg != kEndOfChange) return nullptr;
+        sparkControlUpdate(kBlendControl.number);
+        return defaultHandling(kEndOfChange, info);
+    });
 }
 
 // A new proxy factor re-renders at once, whatever "Auto Preview" says.
 unsigned long* SetRes1CB(int, SparkInfoStruct info) {
-    sparkControlUpdate(kProxyControl);
-    return SparkProcess(info);
+    return guardedCallback([&] {
+        sparkControlUpdate(kProxyControl.number);
+        return SparkProcess(info);
+    });
 }
 
 unsigned long* Auto1CB(int arg, SparkInfoStruct info) {
-    sparkControlUpdate(kAutoPreviewControl);
-    return DefaultCB(arg, info);
+    return guardedCallback([&] {
+        sparkControlUpdate(kAutoPreviewControl.number);
+        return defaultHandling(arg, info);
+    });
 }
 
 unsigned long* Overlay1CB(int arg, SparkInfoStruct info) {
-    sparkControlUpdate(kClearOverlayControl);
-    return OverlayCB(arg, info);
+    return guardedCallback([&] {
+        sparkControlUpdate(kClearOverlayControl.number);
+        return OverlayCB(arg, info);
+    });
 }
 
 unsigned long* OverlayCB(int, SparkInfoStruct) {
-    sparkViewingDraw();
-    return nullptr;
+    return guardedCallback([] {
+        sparkViewingDraw();
+        return static_cast<unsigned long*>(nullptr);
+    });
 }

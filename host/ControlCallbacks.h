@@ -7,7 +7,7 @@
 // change with "Auto Preview" on and otherwise just redraws the viewer.
 #pragma once
 
-#include <spark.h>
+#include "SparkApi.h"
 
 extern "C" {
 // Float fields 6, 7, 8, 9, 16, 18 and the centre (13 and 14 share dlcb_13).

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "EntryGuard.h"
 #include "SparkText.h"
 
 namespace {
@@ -61,7 +62,7 @@ bool shellWord(char* word, std::size_t size, const char* value) {
 
 }  // namespace
 
-bool BuildHelpCommand(char* command, std::size_t size, const char* browser, const char* installDir,
+bool buildHelpCommand(char* command, std::size_t size, const char* browser, const char* installDir,
                       const char* topic) {
     if (command == nullptr || size == 0) return false;
     command[0] = '\0';
@@ -109,13 +110,15 @@ int display_help_topic(const char* topic) {
     if (browser == nullptr) browser = kDefaultBrowser;
 
     static char command[kCommandCapacity];
-    if (!BuildHelpCommand(command, sizeof command, browser, installDir, topic)) {
+    if (!buildHelpCommand(command, sizeof command, browser, installDir, topic)) {
         return kCommandFailed;
     }
     return std::system(command);
 }
 
 unsigned long* HelpCB(int, SparkInfoStruct) {
-    if (display_help_topic(kHelpTopic) != 0) sparkError(sparkText(kHelpFailure));
-    return nullptr;
+    return guardedCallback([] {
+        if (display_help_topic(kHelpTopic) != 0) sparkError(sparkText(kHelpFailure));
+        return static_cast<unsigned long*>(nullptr);
+    });
 }

@@ -7,9 +7,9 @@
 // shell sees it as one word and runs nothing the user did not name.
 #pragma once
 
-#include <spark.h>
-
 #include <cstddef>
+
+#include "SparkApi.h"
 
 constexpr const char* kHelpTopic = "straightlux.htm";
 
@@ -21,5 +21,5 @@ int display_help_topic(const char* topic);
 
 // Writes the browser command for the given values into command (size bytes).
 // False, with command emptied, when a value is missing or anything does not fit.
-bool BuildHelpCommand(char* command, std::size_t size, const char* browser, const char* installDir,
+bool buildHelpCommand(char* command, std::size_t size, const char* browser, const char* installDir,
                       const char* topic);

@@ -3,8 +3,7 @@
 // and processor count are what the plug-in reads.
 #pragma once
 
-#include <spark.h>
-
+#include "SparkApi.h"
 #include "SparkExport.h"
 
 extern "C" {

@@ -4,7 +4,10 @@
 
 #include "BuildInfo.h"
 #include "ControlBinding.h"
+#include "EntryGuard.h"
 #include "HostBindingGlobals.h"
+#include "HostServices.h"
+#include "PluginInstance.h"
 #include "SparkEntryPoints.h"
 #include "SparkText.h"
 #include "StartupBanner.h"
@@ -21,7 +24,10 @@ constexpr unsigned int kModuleLevel = SPARK_MODULE;
 
 }  // namespace
 
-unsigned int SparkInitialise(SparkInfoStruct info) {
+namespace {
+
+unsigned int initialise(SparkInfoStruct& info) {
+    installHostServices();
     if (sparkAPIVersionInfo() < kMinimumApiVersion) {
         // Only a warning: start-up goes on regardless, deliberately.
         char message[256];
@@ -32,13 +38,20 @@ unsigned int SparkInitialise(SparkInfoStruct info) {
     }
     deep12 = (info.FrameDepth == kDepth12Rgb || info.FrameDepth == kDepth12Rgba) ? 1 : 0;
     sparkLoadSetup(info.Name);
-    PrintStartupBanner(info, kPluginName, kBuffersNeeded8, kBuffersNeeded12, kPluginMinorVersion,
+    printStartupBanner(info, kPluginName, kBuffersNeeded8, kBuffersNeeded12, kPluginMinorVersion,
                        kBuildKind);
-    BindControls();
+    bindControls(Instance.info);
     sparkControlTitle(kPageImport, sparkText("Import AIFF"));
     sparkControlTitle(kPageMain, sparkText("Straightlux"));
     sparkClipControlTitle(SPARK_FRONT_CLIP, sparkText("Input"));
     DL_Sync_Ctrl = 1;
     RenameChannelEditorEntries();
     return kModuleLevel;
+}
+
+}  // namespace
+
+unsigned int SparkInitialise(SparkInfoStruct info) {
+    return guardedEntry(static_cast<unsigned int>(kModuleLevel),
+                        [&info] { return initialise(info); });
 }

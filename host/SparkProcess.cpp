@@ -1,16 +1,17 @@
 // The frame driver: one host request becomes one call of the plug-in's
 // ProcessFrame on images converted from and back into the host's buffers.
 #include <cstdio>
+#include <memory>
 
 #include "BuildInfo.h"
 #include "ControlBinding.h"
 #include "DLImageConversion.h"
+#include "EntryGuard.h"
 #include "HostBindingGlobals.h"
 #include "ImageZel.h"
 #include "PluginInstance.h"
 #include "SparkControlRecords.h"
 #include "SparkEntryPoints.h"
-#include "ZelHostGlobals.h"
 #include "ZelSleep.h"
 
 namespace {
@@ -24,6 +25,7 @@ constexpr int kCursorNormal = 1;
 // Sub-sampling factor of each entry of the proxy selector (SparkPup33).
 constexpr int kProxyFactors[] = {1, 2, 3, 4, 6, 8, 12, 16, 32};
 constexpr int kProxyFactorCount = sizeof kProxyFactors / sizeof kProxyFactors[0];
+static_assert(kProxyFactorCount == kProxyControl.entryCount, "one factor per proxy entry");
 
 int proxyFactor(int selector) {
     if (selector < 0 || selector >= kProxyFactorCount) return 1;
@@ -44,14 +46,22 @@ void convertToHost(ImageZel* image, const SparkMemBufStruct& buffer, int factor)
         ConvertToDLImage12(image, reinterpret_cast<unsigned short*>(buffer.Buffer), DLwidth,
                            DLheight, factor, truncate8);
     } else {
-        ConvertToDLImage8(image, reinterpret_cast<unsigned char*>(buffer.Buffer), DLwidth,
-                          DLheight, factor);
+        ConvertToDLImage8(image, reinterpret_cast<unsigned char*>(buffer.Buffer), DLwidth, DLheight,
+                          factor);
     }
 }
 
-}  // namespace
+// A frame whose pictures could not be made is refused: the user is told, and
+// the host gets no frame rather than a wrong one.
+unsigned long* refuseFrame(ImageZel* input) {
+    delete input;
+    Instance.input.image = nullptr;
+    Instance.output.image = nullptr;
+    reportEntryFailure("not enough memory for the frame");
+    return nullptr;
+}
 
-unsigned long* SparkProcess(SparkInfoStruct info) {
+unsigned long* processFrame(const SparkInfoStruct& info) {
     Instance.frameStateWord = 0;
     sparkCursorBusy();
 
@@ -91,8 +101,16 @@ unsigned long* SparkProcess(SparkInfoStruct info) {
     if (!sparkMemGetBuffer(ResultIDOutput, &ResultBufOutput)) return nullptr;
     ResultZel& output = Instance.output;
     output.image = convertFromHost(ResultBufOutput, aspect, factor, kLeavePixels);
+    if (SourceBufInput.Buffer != nullptr && input.image == nullptr) return refuseFrame(nullptr);
+    if (ResultBufOutput.Buffer != nullptr && output.image == nullptr) {
+        return refuseFrame(input.image);
+    }
 
-    CopyHostValuesToControls();
+    // Owned here from now on, so that a failure inside the plug-in frees them.
+    std::unique_ptr<ImageZel> inputImage(input.image);
+    std::unique_ptr<ImageZel> outputImage(output.image);
+
+    copyHostValuesToControls(Instance.info);
     if (DL_Sync_Ctrl == 1) {
         Instance.SyncControls();
         DL_Sync_Ctrl = 0;
@@ -106,9 +124,15 @@ unsigned long* SparkProcess(SparkInfoStruct info) {
     }
 
     // The descriptors keep their (now stale) image pointers until the next frame.
-    delete input.image;
-    convertToHost(output.image, ResultBufOutput, factor);
-    delete output.image;
+    inputImage.reset();
+    convertToHost(outputImage.get(), ResultBufOutput, factor);
+    outputImage.reset();
     sparkViewingCursor(kCursorNormal);
     return ResultBufOutput.Buffer;
+}
+
+}  // namespace
+
+unsigned long* SparkProcess(SparkInfoStruct info) {
+    return guardedCallback([&info] { return processFrame(info); });
 }

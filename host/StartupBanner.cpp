@@ -21,7 +21,7 @@ const char* buildKindWord(int buildKind) {
 
 }  // namespace
 
-void PrintStartupBanner(SparkInfoStruct, const char* pluginName, int buffersNeeded8,
+void printStartupBanner(SparkInfoStruct, const char* pluginName, int buffersNeeded8,
                         int buffersNeeded12, const char* minorVersion, int buildKind) {
     const std::string equalsRule(kRuleLength, '=');
     const std::string plusRule(kRuleLength, '+');

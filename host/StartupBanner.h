@@ -3,7 +3,7 @@
 // host's message line, and turn processing off (no_buffers := 1).
 #pragma once
 
-#include <spark.h>
+#include "SparkApi.h"
 
-void PrintStartupBanner(SparkInfoStruct info, const char* pluginName, int buffersNeeded8,
+void printStartupBanner(SparkInfoStruct info, const char* pluginName, int buffersNeeded8,
                         int buffersNeeded12, const char* minorVersion, int buildKind);

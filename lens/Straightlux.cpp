@@ -20,7 +20,7 @@ constexpr float kUnitGain = 1.0f;
 constexpr double kHalf = 0.5;
 
 // Unordered comparison: a NaN on either side counts as a change.
-bool Differs(float now, float before) { return !(now == before); }
+bool differs(float now, float before) { return !(now == before); }
 
 }  // namespace
 
@@ -32,10 +32,10 @@ Straightlux::~Straightlux() {
     if (addressMap != nullptr) ZEL_IMAGE_FREE(kStraightluxSource, addressMap);
     delete scratch;
     delete lines;
-    FreeErrorPoints();
+    freeErrorPoints();
 }
 
-void Straightlux::FreeErrorPoints() {
+void Straightlux::freeErrorPoints() {
     if (errorPoints != nullptr) ZEL_FREE(kStraightluxSource, errorPoints);
     errorPoints = nullptr;
     errorPointCount = 0;
@@ -108,12 +108,12 @@ void Straightlux::ProcessFrame() {
 bool Straightlux::ControlsChanged() {
     if (addressMap == nullptr || dirty) return true;
     if (width != savedWidth || height != savedHeight) return true;
-    if (Differs(centreX, saved.centreX) || Differs(centreY, saved.centreY)) return true;
-    if (Differs(normScale, saved.normScale) || Differs(squeeze, saved.squeeze)) return true;
-    if (Differs(radial1, saved.radial1) || Differs(radial2, saved.radial2)) return true;
-    if (Differs(xCurvature, saved.xCurvature) || Differs(yCurvature, saved.yCurvature)) return true;
+    if (differs(centreX, saved.centreX) || differs(centreY, saved.centreY)) return true;
+    if (differs(normScale, saved.normScale) || differs(squeeze, saved.squeeze)) return true;
+    if (differs(radial1, saved.radial1) || differs(radial2, saved.radial2)) return true;
+    if (differs(xCurvature, saved.xCurvature) || differs(yCurvature, saved.yCurvature)) return true;
     if (sampling != saved.sampling) return true;
-    if (Differs(magnify, saved.magnify)) return true;
+    if (differs(magnify, saved.magnify)) return true;
     return mode != saved.mode;
 }
 

@@ -49,6 +49,33 @@ class Straightlux : public PluginZel, public StraightluxModel {
     // inverse model, Add through the single-precision forward model.
     void ComputeAddressMap(bool add);
 
+    // The lens fields a reset puts back to their defaults (the control table's).
+    enum class LensField {
+        kRadial1,
+        kRadial2,
+        kXCurvature,
+        kYCurvature,
+        kCentre,
+        kSqueeze,
+        kSampling,
+        kMagnify,
+        kLineEdit,
+        kMode,
+        kView
+    };
+    enum class ResetScope {
+        kFieldsOnly,      // the controls and their host fields
+        kFieldsAndModel,  // also the model fields and the line-edit state
+    };
+    // Sets each listed field's control to its default (time -1: the host
+    // record, not a key), in the order given, and with kFieldsAndModel the
+    // matching model field too. The one place the lens defaults are applied.
+    void resetLens(const LensField* fields, int count, ResetScope scope);
+    template <int N>
+    void resetLens(const LensField (&fields)[N], ResetScope scope) {
+        resetLens(fields, N, scope);
+    }
+
     // Control callbacks, called by the host binding with the control and the frame.
     void ResetCB(ControlZel& control, double frame);
     void AutoCB(ControlZel& control, double frame);
@@ -95,7 +122,7 @@ class Straightlux : public PluginZel, public StraightluxModel {
     int32_t errorPointCount = 0;
 
   private:
-    void FreeErrorPoints();
+    void freeErrorPoints();
     // One-dimensional compass search of radial2 (second) or radial1 from start.
-    double CompassSearch(double start, bool second);
+    double compassSearch(double start, bool second);
 };

@@ -1,6 +1,7 @@
 // The address map: for every output pixel the input position to sample, two
 // floats (x, y) in pixels per entry, row-major over the frame.
 #include <cstddef>
+#include <new>
 
 #include "ImageZel.h"
 #include "Straightlux.h"
@@ -32,7 +33,14 @@ void Straightlux::ComputeAddressMap(bool add) {
         addressMap =
             static_cast<float*>(ZEL_IMAGE_MALLOC(kStraightluxSource, entries * kEntryBytes));
     }
-    if (scratch == nullptr) scratch = new ImageZel(width, height, 1.0f, nullptr, nullptr);
+    if (scratch == nullptr) {
+        scratch = new (std::nothrow) ImageZel(width, height, 1.0f, nullptr, nullptr);
+        // Without its pixels the scratch image is no use; the next frame tries again.
+        if (scratch != nullptr && !scratch->hasPixels()) {
+            delete scratch;
+            scratch = nullptr;
+        }
+    }
     // No map: the output keeps what the host gave it; the next frame tries again.
     if (addressMap == nullptr) return;
     savedWidth = width;
@@ -60,10 +68,10 @@ void Straightlux::ComputeAddressMap(bool add) {
     }
 
     // Add: output (i, j) shows the input at the model's image of (i, j).
-    const FloatCoefficients c = MakeFloatCoefficients();
+    const FloatCoefficients c = makeFloatCoefficients();
     for (int32_t j = 0; j < height; ++j) {
         for (int32_t i = 0; i < width; ++i, entry += 2) {
-            MapUndistortedToDistortedFloat(c, static_cast<float>(i), static_cast<float>(j),
+            mapUndistortedToDistortedFloat(c, static_cast<float>(i), static_cast<float>(j),
                                            entry[0], entry[1]);
         }
     }

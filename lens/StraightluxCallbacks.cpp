@@ -7,37 +7,19 @@
 namespace {
 
 constexpr double kCachedTime = -1.0;
-constexpr double kFrameMiddle = 0.5;  // the centre control's fractions of the frame
 
 }  // namespace
 
 void Straightlux::ResetCB(ControlZel&, double) {
-    xCurvature = 0.0f;
-    yCurvature = 0.0f;
-    centreX = static_cast<float>(kFrameMiddle * width);
-    centreY = static_cast<float>(kFrameMiddle * height);
-    info.xCurvature.SetValue(kCachedTime, 0.0);
-    info.yCurvature.SetValue(kCachedTime, 0.0);
-    info.centre.SetValue(kCachedTime, kFrameMiddle, kFrameMiddle);
-    radial1 = 0.0f;
-    radial2 = 0.0f;
-    info.radial1.SetValue(kCachedTime, 0.0);
-    info.radial2.SetValue(kCachedTime, 0.0);
-    mode = kModeRemove;
-    info.mode.SetValue(kCachedTime, kModeRemove);
-    info.view.SetValue(kCachedTime, kViewResult);
-    squeeze = 1.0f;
-    info.squeeze.SetValue(kCachedTime, 1.0);
-    sampling = kSamplingSharpCubic;
-    info.sampling.SetValue(kCachedTime, kSamplingSharpCubic);
-    magnify = 1.0f;
-    info.magnify.SetValue(kCachedTime, 1.0);
-    lastLineEdit = kLineEditNoAction;
-    info.lineEdit.SetValue(kCachedTime, kLineEditNoAction);
+    static constexpr LensField kButtonOrder[] = {
+        LensField::kXCurvature, LensField::kYCurvature, LensField::kCentre,  LensField::kRadial1,
+        LensField::kRadial2,    LensField::kMode,       LensField::kView,    LensField::kSqueeze,
+        LensField::kSampling,   LensField::kMagnify,    LensField::kLineEdit};
+    resetLens(kButtonOrder, ResetScope::kFieldsAndModel);
     if (lines != nullptr) {
         lines->reset();
         currentLine = nullptr;
-        FreeErrorPoints();
+        freeErrorPoints();
     }
 }
 
@@ -45,7 +27,7 @@ void Straightlux::KillLinesCB(ControlZel&, double) {
     if (lines == nullptr) return;
     lines->reset();
     currentLine = nullptr;
-    FreeErrorPoints();
+    freeErrorPoints();
     lastLineEdit = kLineEditNoAction;
     info.lineEdit.SetValue(kCachedTime, kLineEditNoAction);
 }

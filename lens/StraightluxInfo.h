@@ -8,6 +8,7 @@
 #include "FloatControlZel.h"
 #include "ListControlZel.h"
 #include "PositionControlZel.h"
+#include "StraightluxControlTable.h"
 
 // "Sampling" entries: the resampler's modes 1..5.
 enum StraightluxSampling {
@@ -30,6 +31,16 @@ enum StraightluxLineEdit {
 enum StraightluxMode { kModeRemove = 1, kModeAdd, kModeAutoRemove };
 // "View" entries.
 enum StraightluxView { kViewResult = 1, kViewInput };
+
+// The entry numbers above and the control table describe the same menus.
+static_assert(kSamplingControl.defaultItem() == kSamplingSharpCubic, "Sampling default");
+static_assert(kSamplingControl.entryCount == kSamplingBSpline, "Sampling entries");
+static_assert(kLineEditControl.defaultItem() == kLineEditNoAction, "LineEdit default");
+static_assert(kLineEditControl.entryCount == kLineEditInsertPoint, "LineEdit entries");
+static_assert(kModeControl.defaultItem() == kModeRemove, "Mode default");
+static_assert(kModeControl.entryCount == kModeAutoRemove, "Mode entries");
+static_assert(kViewControl.defaultItem() == kViewResult, "View default");
+static_assert(kViewControl.entryCount == kViewInput, "View entries");
 
 struct StraightluxInfo {
     // The input and output clips are the plug-in base's `input` and `output`.

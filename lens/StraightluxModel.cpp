@@ -10,7 +10,7 @@ constexpr double kQuarter = 0.25;
 // The forward polynomial in normalised units:
 //   fx = p + (k1·p² + A·q² + k2·r⁴)·p,  fy = q + (a·p² + B·q² + b·r⁴)·q,  r² = p² + q².
 template <typename Coefficients>
-void EvaluateForward(const Coefficients& c, double p, double q, double& fx, double& fy) {
+void evaluateForward(const Coefficients& c, double p, double q, double& fx, double& fy) {
     const double p2 = p * p;
     const double q2 = q * q;
     const double r2 = p2 + q2;
@@ -22,7 +22,7 @@ void EvaluateForward(const Coefficients& c, double p, double q, double& fx, doub
 // Inverse of the Jacobian of the forward polynomial at (p, q); false, with
 // nothing written, when the determinant is too small to divide by.
 template <typename Coefficients>
-bool InvertJacobian(const Coefficients& c, double p, double q, double& i00, double& i01,
+bool invertJacobian(const Coefficients& c, double p, double q, double& i00, double& i01,
                     double& i10, double& i11) {
     const double p2 = p * p;
     const double q2 = q * q;
@@ -49,14 +49,14 @@ bool InvertJacobian(const Coefficients& c, double p, double q, double& i00, doub
 
 }  // namespace
 
-double StraightluxModel::NormalisingRadius() const {
+double StraightluxModel::normalisingRadius() const {
     // The quotients are single precision; the squares and the sum are double.
     const float scaledWidth = width / normScale;
     const float scaledHeight = height / normScale;
     return std::sqrt(kQuarter * scaledWidth * scaledWidth + kQuarter * scaledHeight * scaledHeight);
 }
 
-StraightluxModel::Coefficients StraightluxModel::DeriveCoefficients() const {
+StraightluxModel::Coefficients StraightluxModel::deriveCoefficients() const {
     Coefficients c;
     c.k1 = radial1;
     c.k2 = radial2;
@@ -69,21 +69,21 @@ StraightluxModel::Coefficients StraightluxModel::DeriveCoefficients() const {
 }
 
 void StraightluxModel::MapUndistortedToDistorted(tagDPT2 in, tagDPT2& out) const {
-    const Coefficients c = DeriveCoefficients();
-    const double R = NormalisingRadius();
+    const Coefficients c = deriveCoefficients();
+    const double R = normalisingRadius();
     const double inverseR = 1.0 / R;
     const double u = (in.x - centreX) * inverseR;
     const double v = (in.y - centreY) * inverseR;
 
     double fx = 0.0;
     double fy = 0.0;
-    EvaluateForward(c, u, v, fx, fy);
+    evaluateForward(c, u, v, fx, fy);
     out.x = fx * R + centreX;
     out.y = fy * R + centreY;
 }
 
 void StraightluxModel::FindInitialPxPy(double u, double v, double& pu, double& pv) const {
-    const Coefficients c = DeriveCoefficients();
+    const Coefficients c = deriveCoefficients();
     const double k1 = c.k1, k2 = c.k2, A = c.A, a = c.a, B = c.B, b = c.b;
     const double u2 = u * u;
     const double v2 = v * v;
@@ -91,23 +91,35 @@ void StraightluxModel::FindInitialPxPy(double u, double v, double& pu, double& p
     const double v4 = v2 * v2;
     const double u2v2 = u2 * v2;
 
-    // Third-order series reversion of the forward polynomial.
+    // Third-order series reversion of the forward polynomial. Where the seed
+    // coefficients come from: the forward model is u = p·(1 + k1·p² + A·q² + k2·r⁴),
+    // v = q·(1 + a·p² + B·q² + b·r⁴) with r² = p² + q², so p = u − p·(k1·p² + A·q²
+    // + k2·r⁴) and q = v − q·(a·p² + B·q² + b·r⁴). One step from p = u, q = v gives
+    // p1 = u·(1 − α), q1 = v·(1 − β) with α = k1·u² + A·v², β = a·u² + B·v². A
+    // second step, keeping terms up to fifth order (p1³ ≈ u³·(1 − 3α),
+    // p1·q1² ≈ u·v²·(1 − α − 2β), p1²·q1 ≈ u²·v·(1 − 2α − β), q1³ ≈ v³·(1 − 3β)):
+    //   pu/u = 1 − k1·u² − A·v² + 3k1·α·u² + A·v²·(α + 2β) − k2·(u² + v²)²
+    //        → u⁴: 3k1² − k2;  u²v²: 4k1·A + 2a·A − 2k2;  v⁴: A² + 2A·B − k2
+    //   pv/v = 1 − a·u² − B·v² + a·u²·(2α + β) + 3B·β·v² − b·(u² + v²)²
+    //        → u⁴: a² + 2k1·a − b;  u²v²: 4a·B + 2a·A − 2b;  v⁴: 3B² − b
+    // (4k1·A is written 4·(1 + xCurvature)·k1², since A = (1 + xCurvature)·k1.)
     pu = u * (1.0 - k1 * u2 - A * v2 + (3.0 * k1 * k1 - k2) * u4 +
               (4.0 * (1.0 + xCurvature) * k1 * k1 + 2.0 * a * A - 2.0 * k2) * u2v2 +
               (A * A + 2.0 * A * B - k2) * v4);
-    // The u²v² term subtracts 2·k2, not 2·b: the unscaled coefficient is kept on purpose.
+    // The u²v² term subtracts 2·k2, not the 2·b of the expansion above: the
+    // unscaled coefficient is kept on purpose.
     pv = v * (1.0 - a * u2 - B * v2 + (a * a + 2.0 * k1 * a - b) * u4 +
               (4.0 * a * B + 2.0 * a * A - 2.0 * k2) * u2v2 + (3.0 * B * B - b) * v4);
 }
 
 bool StraightluxModel::FindInverseDerivativesMatrix(double& pu, double& pv, double& i00,
                                                     double& i01, double& i10, double& i11) const {
-    return InvertJacobian(DeriveCoefficients(), pu, pv, i00, i01, i10, i11);
+    return invertJacobian(deriveCoefficients(), pu, pv, i00, i01, i10, i11);
 }
 
 int32_t StraightluxModel::MapDistortedToUndistorted(tagDPT2 in, tagDPT2& out) {
-    const Coefficients c = DeriveCoefficients();
-    const double R = NormalisingRadius();
+    const Coefficients c = deriveCoefficients();
+    const double R = normalisingRadius();
     const double inverseR = 1.0 / R;
     const double u = (in.x - centreX) * inverseR;
     const double v = (in.y - centreY) * inverseR;
@@ -123,9 +135,9 @@ int32_t StraightluxModel::MapDistortedToUndistorted(tagDPT2 in, tagDPT2& out) {
     for (;;) {
         double fx = 0.0;
         double fy = 0.0;
-        EvaluateForward(c, pu, pv, fx, fy);
+        evaluateForward(c, pu, pv, fx, fy);
         double i00 = 0.0, i01 = 0.0, i10 = 0.0, i11 = 0.0;
-        if (!InvertJacobian(c, pu, pv, i00, i01, i10, i11)) {
+        if (!invertJacobian(c, pu, pv, i00, i01, i10, i11)) {
             status = kInverseSingular;
             break;
         }
@@ -152,9 +164,9 @@ int32_t StraightluxModel::MapDistortedToUndistorted(tagDPT2 in, tagDPT2& out) {
     return status;
 }
 
-StraightluxModel::FloatCoefficients StraightluxModel::MakeFloatCoefficients() const {
+StraightluxModel::FloatCoefficients StraightluxModel::makeFloatCoefficients() const {
     FloatCoefficients c;
-    c.R = static_cast<float>(NormalisingRadius());
+    c.R = static_cast<float>(normalisingRadius());
     c.inverseR = 1.0f / c.R;
     c.centreX = centreX;
     c.centreY = centreY;

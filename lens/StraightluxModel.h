@@ -38,9 +38,9 @@ class StraightluxModel {
     bool FindInverseDerivativesMatrix(double& pu, double& pv, double& i00, double& i01, double& i10,
                                       double& i11) const;
 
-    FloatCoefficients MakeFloatCoefficients() const;
+    FloatCoefficients makeFloatCoefficients() const;
     // The same formula as MapUndistortedToDistorted, evaluated in single precision.
-    static void MapUndistortedToDistortedFloat(const FloatCoefficients& c, float x, float y,
+    static void mapUndistortedToDistortedFloat(const FloatCoefficients& c, float x, float y,
                                                float& outX, float& outY) {
         const float u = (x - c.centreX) * c.inverseR;
         const float v = (y - c.centreY) * c.inverseR;
@@ -71,6 +71,6 @@ class StraightluxModel {
         float b;
     };
 
-    double NormalisingRadius() const;
-    Coefficients DeriveCoefficients() const;
+    double normalisingRadius() const;
+    Coefficients deriveCoefficients() const;
 };

@@ -14,7 +14,6 @@
 namespace {
 
 constexpr double kCachedTime = -1.0;
-constexpr double kFrameMiddle = 0.5;
 // A line needs an interior point to say anything about straightness.
 constexpr int32_t kMinMeasuredPoints = 3;
 
@@ -64,7 +63,7 @@ double Straightlux::MeasureError(double value, bool second) {
 // The comparisons are no-worse-than tests on purpose: on a flat stretch of the
 // error the search keeps stepping by +h instead of shrinking, until the step
 // budget runs out.
-double Straightlux::CompassSearch(double start, bool second) {
+double Straightlux::compassSearch(double start, bool second) {
     double c = start;
     double h = kInitialStep;
     int steps = 0;
@@ -92,29 +91,22 @@ bool Straightlux::OptimizeK1K2() {
     }
     if (!measurable) return false;
 
-    FreeErrorPoints();
+    freeErrorPoints();
     errorPoints =
         static_cast<tagDPT2*>(ZEL_MALLOC(kStraightluxSource, pointTotal * sizeof(tagDPT2)));
     if (errorPoints != nullptr) errorPointCount = static_cast<int32_t>(pointTotal);
 
     // Start from the plain radial model about the frame centre; the squeeze stays.
-    xCurvature = 0.0f;
-    yCurvature = 0.0f;
-    centreX = static_cast<float>(kFrameMiddle * width);
-    centreY = static_cast<float>(kFrameMiddle * height);
-    radial1 = 0.0f;
-    radial2 = 0.0f;
-    info.xCurvature.SetValue(kCachedTime, 0.0);
-    info.yCurvature.SetValue(kCachedTime, 0.0);
-    info.centre.SetValue(kCachedTime, kFrameMiddle, kFrameMiddle);
-    info.radial1.SetValue(kCachedTime, 0.0);
-    info.radial2.SetValue(kCachedTime, 0.0);
+    static constexpr LensField kFitStart[] = {LensField::kXCurvature, LensField::kYCurvature,
+                                              LensField::kCentre, LensField::kRadial1,
+                                              LensField::kRadial2};
+    resetLens(kFitStart, ResetScope::kFieldsAndModel);
 
     float previous1 = radial1;
     float previous2 = radial2;
     for (int pass = 0; pass < kMaxPasses; ++pass) {
-        radial1 = static_cast<float>(CompassSearch(radial1, false));
-        radial2 = static_cast<float>(CompassSearch(radial2, true));
+        radial1 = static_cast<float>(compassSearch(radial1, false));
+        radial2 = static_cast<float>(compassSearch(radial2, true));
         info.radial1.SetValue(kCachedTime, radial1);
         info.radial2.SetValue(kCachedTime, radial2);
         if (pass > 0 && std::fabs(static_cast<double>(radial1) - previous1) < kSettledChange &&

@@ -13,16 +13,16 @@ constexpr float kReferenceWidth = 720.0f;
 }  // namespace
 
 ImageZel::ImageZel(long width, long height, float /*aspect*/, PixelZel* pixels, renderop_tag* op) {
-    Construct(width, height, pixels, op);
+    construct(width, height, pixels, op);
 }
 
 // The aspect argument is accepted and ignored on purpose; the host conversions
 // set the pixel aspect afterwards.
 ImageZel::ImageZel(int width, int height, float /*aspect*/, PixelZel* pixels, renderop_tag* op) {
-    Construct(width, height, pixels, op);
+    construct(width, height, pixels, op);
 }
 
-void ImageZel::Construct(long w, long h, PixelZel* px, renderop_tag* op) {
+void ImageZel::construct(long w, long h, PixelZel* px, renderop_tag* op) {
     background = PixelZel();
     width = static_cast<int>(w);
     height = static_cast<int>(h);
@@ -43,7 +43,7 @@ void ImageZel::Construct(long w, long h, PixelZel* px, renderop_tag* op) {
         ownsPixels = 1;
     }
     rows = static_cast<PixelZel**>(ZEL_MALLOC(kSource, static_cast<size_t>(h) * sizeof(PixelZel*)));
-    RebuildRows();
+    rebuildRows();
 }
 
 // The copy always owns its pixels, even when the source borrowed its own.
@@ -63,7 +63,7 @@ ImageZel::ImageZel(ImageZel& other) {
     rows = static_cast<PixelZel**>(
         ZEL_MALLOC(kSource, static_cast<size_t>(height) * sizeof(PixelZel*)));
     if (pixels != nullptr && other.pixels != nullptr) std::memcpy(pixels, other.pixels, bytes);
-    RebuildRows();
+    rebuildRows();
     ownsPixels = 1;
     attached = nullptr;
 }
@@ -74,7 +74,7 @@ ImageZel::~ImageZel() {
     delete attached;
 }
 
-void ImageZel::RebuildRows() {
+void ImageZel::rebuildRows() {
     if (rows == nullptr) return;
     for (int y = 0; y < height; ++y)
         rows[y] = pixels != nullptr ? pixels + static_cast<long>(y) * width : nullptr;

@@ -16,7 +16,7 @@ struct ZelImageAttachment {
 };
 
 class ImageZel {
-public:
+  public:
     ImageZel(long width, long height, float aspect, PixelZel* pixels, renderop_tag* op);
     ImageZel(int width, int height, float aspect, PixelZel* pixels, renderop_tag* op);
     ImageZel(ImageZel& other);  // deep copy; the copy always owns its pixels
@@ -43,6 +43,10 @@ public:
     // Runs fn(first, last) over count rows split into bands on the host's processors.
     void MultiProcess(void (ImageZel::*fn)(long first, long last), long count);
     int AbortRender() { return 0; }
+    // False when the allocator could not give the pixel block or the row table.
+    bool hasPixels() const {
+        return width > 0 && height > 0 && pixels != nullptr && rows != nullptr;
+    }
 
     PixelZel* pixels;
     int ownsPixels;
@@ -62,7 +66,7 @@ public:
     unsigned int reserved3;
     PixelZel background;
 
-private:
-    void Construct(long width, long height, PixelZel* pixels, renderop_tag* op);
-    void RebuildRows();  // rows[y] := pixels + y * width
+  private:
+    void construct(long width, long height, PixelZel* pixels, renderop_tag* op);
+    void rebuildRows();  // rows[y] := pixels + y * width
 };

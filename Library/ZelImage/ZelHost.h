@@ -13,7 +13,7 @@
 
 // Facts of the current host request, written by the host binding per frame.
 struct ZelFrameContext {
-    int width = 0;        // host frame size in pixels
+    int width = 0;  // host frame size in pixels
     int height = 0;
     int proxyFactor = 0;  // proxy sub-sampling factor (1 = full resolution)
     int processors = 0;   // processors the host offers for forked work

@@ -17,7 +17,7 @@ extern "C" {
 
 /* Frame information, passed by value to entry points and callbacks. */
 typedef struct {
-    char Name[FILENAME_MAX];      /* setup file name */
+    char Name[FILENAME_MAX];        /* setup file name */
     int FrameBufferX, FrameBufferY; /* frame origin in the viewer, screen units */
     int TotalBuffers;
     int TotalClips;
@@ -43,7 +43,11 @@ typedef struct {
 #define MEMBUF_DIRTY (1 << 4)
 #define MEMBUF_INVALID (1 << 5)
 
-typedef enum { SPARKBUF_RGB_24_3x8 = 0, SPARKBUF_RGB_48_3x12 = 1, SPARKBUF_FMT_OTHER = 2 } SparkBufferFormat;
+typedef enum {
+    SPARKBUF_RGB_24_3x8 = 0,
+    SPARKBUF_RGB_48_3x12 = 1,
+    SPARKBUF_FMT_OTHER = 2
+} SparkBufferFormat;
 
 /* Filled by sparkMemGetBuffer. */
 typedef struct {

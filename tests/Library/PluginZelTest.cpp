@@ -1,8 +1,6 @@
-// The plug-in base class through the simulated host: band split of
+// The plug-in base class through a fake host service: band split of
 // MultiProcess and lib_mp_exec, random frame access, motion values.
 #include <gtest/gtest.h>
-
-#include <SimHost.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -11,16 +9,17 @@
 #include <utility>
 #include <vector>
 
+#include "FakeHost.h"
 #include "ImageZel.h"
 #include "PluginZel.h"
-#include "ZelHostGlobals.h"
+#include "ZelHost.h"
 
 namespace {
 
 using Rows = std::pair<long, long>;
 
 class RecordingPlugin : public PluginZel {
-public:
+  public:
     void mp_record(long first, long last) {
         std::lock_guard<std::mutex> lock(mutex);
         bands.emplace_back(first, last);
@@ -45,15 +44,15 @@ void countRows(void* data, int first, int last) {
 }
 
 class PluginZelHost : public testing::Test {
-protected:
+  protected:
     void SetUp() override {
         setenv("STRAIGHTLUX_SLEEP_SCALE", "0", 1);
         host().reset();
         host().processors = 4;
-        DLnumProc = 4;
-        DLscalesr = 1;
+        zelHost().frame.processors = 4;
+        zelHost().frame.proxyFactor = 1;
     }
-    static simhost::Host& host() { return simhost::Host::instance(); }
+    static fakehost::Host& host() { return fakehost::Host::instance(); }
 };
 
 }  // namespace
@@ -97,10 +96,10 @@ TEST_F(PluginZelHost, GetValueWithoutTemporaryBuffersOnlyReports) {
 
 TEST_F(PluginZelHost, GetValueFetchesTheNearestFrame) {
     // Host frames 3 x 2, 8-bit: every byte holds the frame number.
-    DLwidth = 3;
-    DLheight = 2;
+    zelHost().frame.width = 3;
+    zelHost().frame.height = 2;
     std::vector<unsigned long> storage(8, 0);  // room for the 12-bit read too
-    SparkMemBufStruct temp = {};
+    ZelFrameBuffer temp;
     temp.Buffer = storage.data();
     host().frameSource = [](int, int frame, unsigned long* destination) {
         std::memset(destination, frame, 3 * 2 * 3);
@@ -132,10 +131,10 @@ TEST_F(PluginZelHost, GetValueFetchesTheNearestFrame) {
 
 TEST_F(PluginZelHost, TrackDataDecodesMotionFromTwiceTheFrame) {
     // A 2 x 1 clip frame: pixel 0 red 3, green 0, blue 0; pixel 1 red 0, green 255, blue 1.
-    DLwidth = 2;
-    DLheight = 1;
+    zelHost().frame.width = 2;
+    zelHost().frame.height = 1;
     std::vector<unsigned long> storage(1, 0);
-    SparkMemBufStruct temp = {};
+    ZelFrameBuffer temp;
     temp.Buffer = storage.data();
     int requested = -1;
     host().frameSource = [&requested](int, int frame, unsigned long* destination) {

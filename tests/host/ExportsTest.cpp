@@ -1,4 +1,5 @@
-// The module's dynamic symbol table holds exactly the names of the export list.
+// The module's dynamic symbol table holds exactly the names of the export
+// list, and the list's control records are exactly the control table's.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -8,15 +9,22 @@
 #include <sstream>
 #include <string>
 
+#include "StraightluxControlTable.h"
+
 namespace {
 
-std::set<std::string> listedExports() {
+// The names of the export list; with records true only the control records
+// (the names after the "# Control records" line), else every name.
+std::set<std::string> listedExports(bool records = false) {
     std::set<std::string> names;
     std::ifstream list(STRAIGHTLUX_SOURCE_DIR "/host/exports.txt");
     std::string line;
+    bool inRecords = false;
     while (std::getline(list, line)) {
+        if (line.rfind("# Control records", 0) == 0) inRecords = true;
+        if (line.rfind("# Viewer", 0) == 0) inRecords = false;
         if (line.empty() || line[0] == '#') continue;
-        names.insert(line);
+        if (!records || inRecords) names.insert(line);
     }
     return names;
 }
@@ -39,4 +47,11 @@ TEST(PluginExports, DynamicSymbolsAreExactlyTheExportList) {
     const std::set<std::string> listed = listedExports();
     EXPECT_FALSE(listed.empty());
     EXPECT_EQ(defined, listed);
+}
+
+TEST(PluginExports, ControlRecordsOfTheListAreTheControlTable) {
+    std::set<std::string> table;
+    for (const ControlDescriptor* control : kControlTable) table.insert(control->symbol);
+    EXPECT_EQ(table.size(), std::size(kControlTable));  // no symbol twice
+    EXPECT_EQ(listedExports(true), table);
 }

@@ -55,7 +55,7 @@ void fillOutputLowBits(simhost::FrameBuffer& buffer) {
 }  // namespace
 
 class FrameDriver : public LoadedPlugin {
-protected:
+  protected:
     void SetUp() override {
         LoadedPlugin::SetUp();
         if (!showInputView()) GTEST_SKIP() << "the plug-in does not export its View record yet";

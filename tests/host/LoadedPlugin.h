@@ -3,9 +3,8 @@
 // message pauses switched off.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <SimHost.h>
+#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <string>
@@ -15,7 +14,7 @@
 #endif
 
 class LoadedPlugin : public testing::Test {
-protected:
+  protected:
     void SetUp() override {
         setenv("STRAIGHTLUX_SLEEP_SCALE", "0", 1);
         host().reset();

@@ -1,9 +1,9 @@
 // Start-up through the simulated host: banner and buffer report, bit-depth
 // mode, interface version warning, buffer shortage and the refused frames.
-#include "LoadedPlugin.h"
-
 #include <string>
 #include <vector>
+
+#include "LoadedPlugin.h"
 
 namespace {
 
@@ -49,10 +49,10 @@ TEST_F(PluginStartup, PrintsBannerAndSetsTitles) {
     std::vector<std::string> layout;
     for (const simhost::Call& call : host().calls()) layout.push_back(call.str());
     const std::vector<std::string> expected = {
-        "sparkCeAddFolder(1,Lens)",    "sparkCeAddControl(2,1,6)",  "sparkCeAddControl(2,1,7)",
-        "sparkCeAddControl(2,1,8)",    "sparkCeAddControl(2,1,9)",  "sparkCeAddControl(2,1,13)",
-        "sparkCeAddControl(2,1,14)",   "sparkCeAddControl(2,1,16)", "sparkCeAddControl(2,1,18)",
-        "sparkCeAddFolder(1,Common)",  "sparkCeAddControl(2,1,27)", "sparkCeAddControl(2,0,93)"};
+        "sparkCeAddFolder(1,Lens)",   "sparkCeAddControl(2,1,6)",  "sparkCeAddControl(2,1,7)",
+        "sparkCeAddControl(2,1,8)",   "sparkCeAddControl(2,1,9)",  "sparkCeAddControl(2,1,13)",
+        "sparkCeAddControl(2,1,14)",  "sparkCeAddControl(2,1,16)", "sparkCeAddControl(2,1,18)",
+        "sparkCeAddFolder(1,Common)", "sparkCeAddControl(2,1,27)", "sparkCeAddControl(2,0,93)"};
     EXPECT_EQ(layout, expected);
 
     EXPECT_EQ(plugin.clips(), 1);
@@ -102,8 +102,8 @@ TEST_F(PluginStartup, TooFewBuffersRefusesEveryFrame) {
     for (int frame = 0; frame < 2; ++frame) {
         host().clearCalls();
         EXPECT_EQ(plugin.process(host().makeInfo(4, 4, 48)), nullptr);
-        EXPECT_TRUE(
-            host().called("sparkMessage( Zel-Straightlux cannot run due to insufficient buffers.)"));
+        EXPECT_TRUE(host().called(
+            "sparkMessage( Zel-Straightlux cannot run due to insufficient buffers.)"));
         EXPECT_EQ(host().count("sparkMemGetBuffer"), 0);
         EXPECT_EQ(host().count("sparkGraphSetup"), 0);
         EXPECT_EQ(output.words()[0], 0x1234);

@@ -98,13 +98,13 @@ TEST(StraightluxModel, InverseJacobianMatchesFiniteDifferences) {
 TEST(StraightluxModel, SinglePrecisionForwardAgreesWithDouble) {
     const StraightluxModel model =
         make_model(2048, 1556, 1010.0f, 790.0f, {-0.12f, 0.03f, 1.4f, 0.1f, -0.2f});
-    const StraightluxModel::FloatCoefficients c = model.MakeFloatCoefficients();
+    const StraightluxModel::FloatCoefficients c = model.makeFloatCoefficients();
     // About ten single-precision roundings of values up to ~2000 pixels.
     const double tolerance = 2e-3;
     for (int y = 0; y < 1556; y += 97) {
         for (int x = 0; x < 2048; x += 89) {
             float fx = 0, fy = 0;
-            StraightluxModel::MapUndistortedToDistortedFloat(c, float(x), float(y), fx, fy);
+            StraightluxModel::mapUndistortedToDistortedFloat(c, float(x), float(y), fx, fy);
             const tagDPT2 d = forward(model, x, y);
             EXPECT_NEAR(fx, d.x, tolerance) << x << "," << y;
             EXPECT_NEAR(fy, d.y, tolerance) << x << "," << y;

@@ -1,0 +1,122 @@
+#include "DLImageConversion.h"
+
+#include <cstdio>
+#include <new>
+
+#include "DLImageRows.h"
+#include "DLPixelFormulas.h"
+#include "ImageZel.h"
+
+namespace {
+
+// Sub-sampled size: size / factor rounded up to an even number.
+long sampledSize(long size, int factor) {
+    const long q = size / factor;
+    return q % 2 == 0 ? q : q + 1;
+}
+
+void clearWords(ImageZel* image) {
+    for (unsigned int& word : image->words) word = 0;
+}
+
+// Steps shared by both host formats: the image to fill (the reused one or a
+// new one) with its fields set for this frame.
+// A new image whose pixels or rows could not be allocated is given up: null.
+ImageZel* newImage(long width, long height, int factor) {
+    ImageZel* image =
+        new (std::nothrow) ImageZel(width, height, static_cast<float>(factor), nullptr, nullptr);
+    if (image != nullptr && !image->hasPixels()) {
+        delete image;
+        image = nullptr;
+    }
+    return image;
+}
+
+ImageZel* prepareImage(long width, long height, double aspect, int factor, ImageZel* reuse) {
+    ImageZel* image = reuse;
+    if (factor == 1) {
+        if (image == nullptr) {
+            image = newImage(width, height, factor);
+            if (image == nullptr) return nullptr;
+            clearWords(image);
+        }
+    } else {
+        if (image == nullptr) {
+            image = newImage(sampledSize(width, factor), sampledSize(height, factor), factor);
+            if (image == nullptr) return nullptr;
+        }
+        clearWords(image);
+    }
+    image->pixelAspect = aspect;
+    image->secondScale = 1.0;
+    image->sizeFactor = static_cast<float>(factor);
+    return image;
+}
+
+}  // namespace
+
+ImageZel* ConvertFromDLImage8(unsigned char* buffer, long width, long height, double aspect,
+                              int factor, ImageZel* reuse, int copyPixels) {
+    factor = dlEffectiveFactor(factor);
+    if (buffer == nullptr) return nullptr;
+    ImageZel* image = prepareImage(width, height, aspect, factor, reuse);
+    if (image == nullptr || copyPixels == 0) return image;
+    if (factor == 1) {
+        dlCopyRows8(buffer, width, image, 0, height - 1);
+    } else {
+        dlCopyRowsSampled8(buffer, width, height, factor, kDLAlphaFull, image, 0,
+                           image->height - 1);
+    }
+    return image;
+}
+
+ImageZel* ConvertFromDLImage12(unsigned short* buffer, long width, long height, double aspect,
+                               int factor, ImageZel* reuse, int copyPixels) {
+    factor = dlEffectiveFactor(factor);
+    if (buffer == nullptr) return nullptr;
+    ImageZel* image = prepareImage(width, height, aspect, factor, reuse);
+    if (image == nullptr || copyPixels == 0) return image;
+    if (factor == 1) {
+        dlCopyRows12(buffer, width, image, 0, height - 1);
+    } else {
+        // Sub-sampled 12-bit pixels get alpha 65535, unlike every other path; kept.
+        dlCopyRowsSampled12(buffer, width, height, factor, kDLAlphaSubSampled12, image, 0,
+                            image->height - 1);
+    }
+    return image;
+}
+
+void ConvertToDLImage8(ImageZel* image, unsigned char* buffer, int width, int height, int factor) {
+    factor = dlEffectiveFactor(factor);
+    if (buffer == nullptr || image == nullptr) return;
+    if (factor == 1) {
+        dlPasteRows8(image, buffer, 0, image->height - 1);
+    } else {
+        dlPasteRowsReplicated8(image, buffer, width, factor, 0, height - 1);
+    }
+}
+
+void ConvertToDLImage12(ImageZel* image, unsigned short* buffer, int width, int height, int factor,
+                        int truncate) {
+    if (truncate) {
+        std::puts("Truncating 12bit image to 10 bits.");
+        if (image != nullptr) {
+            // The image itself keeps the masked values.
+            for (int y = 0; y < image->height; ++y) {
+                PixelZel* row = image->rows[y];
+                for (int x = 0; x < image->width; ++x) {
+                    row[x].red &= kDLTruncate10Mask;
+                    row[x].green &= kDLTruncate10Mask;
+                    row[x].blue &= kDLTruncate10Mask;
+                }
+            }
+        }
+    }
+    factor = dlEffectiveFactor(factor);
+    if (buffer == nullptr || image == nullptr) return;
+    if (factor == 1) {
+        dlPasteRows12(image, buffer, 0, image->height - 1);
+    } else {
+        dlPasteRowsReplicated12(image, buffer, width, factor, 0, height - 1);
+    }
+}

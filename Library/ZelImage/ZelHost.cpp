@@ -1,0 +1,6 @@
+#include "ZelHost.h"
+
+ZelHost& zelHost() {
+    static ZelHost host;
+    return host;
+}
