@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds and runs the whole test suite with the
-# default preset, then again under AddressSanitizer and UBSan.
+# Installs what is missing, checks the formatting, then builds and runs the
+# whole test suite with the CI preset (warnings are errors), then again under
+# AddressSanitizer and UBSan.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
-for preset in default asan; do
+bash scripts/check-format.sh
+for preset in ci asan; do
   echo "== $preset =="
   cmake --preset "$preset" >/dev/null
   cmake --build --preset "$preset"
