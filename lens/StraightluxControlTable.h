@@ -43,40 +43,52 @@ struct ControlDescriptor {
 };
 
 constexpr ControlDescriptor floatControl(int number, const char* symbol, const char* title,
-                                         float defaultValue, float min, float max,
-                                         float increment, const char* channelName = nullptr,
+                                         float defaultValue, float min, float max, float increment,
+                                         const char* channelName = nullptr,
                                          ControlUnit unit = ControlUnit::kPlain) {
-    return ControlDescriptor{number, ControlRecordKind::kFloat, symbol, title, defaultValue, min,
-                             max,    increment, unit, 0, 0, nullptr, channelName};
+    return ControlDescriptor{number,
+                             ControlRecordKind::kFloat,
+                             symbol,
+                             title,
+                             defaultValue,
+                             min,
+                             max,
+                             increment,
+                             unit,
+                             0,
+                             0,
+                             nullptr,
+                             channelName};
 }
 
 template <std::size_t N>
 constexpr ControlDescriptor menuControl(int number, const char* symbol,
                                         const char* const (&entries)[N], int defaultIndex) {
     static_assert(N <= kMaxMenuEntries, "a menu record holds at most 20 entries");
-    return ControlDescriptor{number, ControlRecordKind::kMenu, symbol, entries[0], 0.0f, 0.0f,
-                             0.0f, 0.0f, ControlUnit::kPlain, defaultIndex, static_cast<int>(N),
-                             entries, nullptr};
+    return ControlDescriptor{
+        number, ControlRecordKind::kMenu, symbol,       entries[0],          0.0f,    0.0f,   0.0f,
+        0.0f,   ControlUnit::kPlain,      defaultIndex, static_cast<int>(N), entries, nullptr};
 }
 
 constexpr ControlDescriptor pushControl(int number, const char* symbol, const char* title) {
-    return ControlDescriptor{number, ControlRecordKind::kPush, symbol, title, 0.0f, 0.0f, 0.0f,
-                             0.0f, ControlUnit::kPlain, 0, 0, nullptr, nullptr};
+    return ControlDescriptor{number, ControlRecordKind::kPush, symbol, title, 0.0f,    0.0f,   0.0f,
+                             0.0f,   ControlUnit::kPlain,      0,      0,     nullptr, nullptr};
 }
 
 constexpr ControlDescriptor booleanControl(int number, const char* symbol, const char* title,
                                            bool on) {
-    return ControlDescriptor{number, ControlRecordKind::kBoolean, symbol, title, on ? 1.0f : 0.0f,
-                             0.0f, 0.0f, 0.0f, ControlUnit::kPlain, 0, 0, nullptr, nullptr};
+    return ControlDescriptor{
+        number, ControlRecordKind::kBoolean, symbol, title, on ? 1.0f : 0.0f, 0.0f,   0.0f,
+        0.0f,   ControlUnit::kPlain,         0,      0,     nullptr,          nullptr};
 }
 
 // Menu entries.
-inline constexpr const char* kSamplingEntries[] = {
-    "Sampling: Nearest  ", "Sampling: Linear  ", "Sampling: Cubic  ", "Sampling: SharpCubic  ",
-    "Sampling: BSpline  "};
+inline constexpr const char* kSamplingEntries[] = {"Sampling: Nearest  ", "Sampling: Linear  ",
+                                                   "Sampling: Cubic  ", "Sampling: SharpCubic  ",
+                                                   "Sampling: BSpline  "};
 inline constexpr const char* kLineEditEntries[] = {
-    "LineEdit: No Action  ",    "LineEdit: Add Line  ",     "LineEdit: Delete Line  ",
-    "LineEdit: Move Point  ",   "LineEdit: Delete Point  ", "LineEdit: Insert Point  "};
+    "LineEdit: No Action  ",  "LineEdit: Add Line  ",     "LineEdit: Delete Line  ",
+    "LineEdit: Move Point  ", "LineEdit: Delete Point  ", "LineEdit: Insert Point  "};
 inline constexpr const char* kModeEntries[] = {"Mode: Remove  ", "Mode: Add  ",
                                                "Mode: Auto Remove  "};
 inline constexpr const char* kViewEntries[] = {"View: Result  ", "View: Input  "};
@@ -92,10 +104,12 @@ inline constexpr ControlDescriptor kXCurvatureControl =
     floatControl(8, "SparkFloat8", "XCurvature: %.3f", 0.0f, -1.0f, 1.0f, 0.001f, "XCurvature");
 inline constexpr ControlDescriptor kYCurvatureControl =
     floatControl(9, "SparkFloat9", "YCurvature: %.3f", 0.0f, -1.0f, 1.0f, 0.001f, "YCurvature");
-inline constexpr ControlDescriptor kCentreXControl = floatControl(
-    13, "SparkFloat13", "Centre X: %.2f", 50.0f, 0.0f, 100.0f, 0.05f, "Centre X", ControlUnit::kPercent);
-inline constexpr ControlDescriptor kCentreYControl = floatControl(
-    14, "SparkFloat14", "Centre Y: %.2f", 50.0f, 0.0f, 100.0f, 0.05f, "Centre Y", ControlUnit::kPercent);
+inline constexpr ControlDescriptor kCentreXControl =
+    floatControl(13, "SparkFloat13", "Centre X: %.2f", 50.0f, 0.0f, 100.0f, 0.05f, "Centre X",
+                 ControlUnit::kPercent);
+inline constexpr ControlDescriptor kCentreYControl =
+    floatControl(14, "SparkFloat14", "Centre Y: %.2f", 50.0f, 0.0f, 100.0f, 0.05f, "Centre Y",
+                 ControlUnit::kPercent);
 inline constexpr ControlDescriptor kSqueezeControl =
     floatControl(16, "SparkFloat16", "Squeeze: %.3f", 1.0f, 0.5f, 5.0f, 0.001f, "Squeeze");
 inline constexpr ControlDescriptor kSamplingControl =
@@ -122,20 +136,31 @@ inline constexpr ControlDescriptor kProxyControl = menuControl(33, "SparkPup33",
 inline constexpr ControlDescriptor kAutoPreviewControl =
     booleanControl(34, "SparkBoolean34", "Auto Preview", true);
 // A channel-editor channel with no field on the pages and no control object.
-inline constexpr ControlDescriptor kAmplitudeControl = ControlDescriptor{
-    93,   ControlRecordKind::kUserFloat, "SparkUserFloat93", "Amplitude Import: %.1f", 0.0f, -1000.0f,
-    1000.0f, 0.001f, ControlUnit::kPlain, 0, 0, nullptr, nullptr};
+inline constexpr ControlDescriptor kAmplitudeControl =
+    ControlDescriptor{93,
+                      ControlRecordKind::kUserFloat,
+                      "SparkUserFloat93",
+                      "Amplitude Import: %.1f",
+                      0.0f,
+                      -1000.0f,
+                      1000.0f,
+                      0.001f,
+                      ControlUnit::kPlain,
+                      0,
+                      0,
+                      nullptr,
+                      nullptr};
 inline constexpr ControlDescriptor kImportAmplitudeControl =
     pushControl(114, "SparkPush114", "Import Amplitude File");
 
 // Every exported record, in page order.
 inline constexpr const ControlDescriptor* kControlTable[] = {
-    &kRadial1Control,    &kRadial2Control,      &kXCurvatureControl,   &kYCurvatureControl,
-    &kCentreXControl,    &kCentreYControl,      &kSqueezeControl,      &kSamplingControl,
-    &kMagnifyControl,    &kLineEditControl,     &kKillLinesControl,    &kAutoFindControl,
-    &kModeControl,       &kViewControl,         &kResetButtonControl,  &kBlendControl,
-    &kClearOverlayControl, &kHelpControl,       &kResetAllControl,     &kProxyControl,
-    &kAutoPreviewControl, &kAmplitudeControl,   &kImportAmplitudeControl};
+    &kRadial1Control,      &kRadial2Control,   &kXCurvatureControl,     &kYCurvatureControl,
+    &kCentreXControl,      &kCentreYControl,   &kSqueezeControl,        &kSamplingControl,
+    &kMagnifyControl,      &kLineEditControl,  &kKillLinesControl,      &kAutoFindControl,
+    &kModeControl,         &kViewControl,      &kResetButtonControl,    &kBlendControl,
+    &kClearOverlayControl, &kHelpControl,      &kResetAllControl,       &kProxyControl,
+    &kAutoPreviewControl,  &kAmplitudeControl, &kImportAmplitudeControl};
 
 // The animatable channels named at start-up and listed in the channel editor's
 // "Lens" folder, in that order.
