@@ -9,9 +9,12 @@
 
 namespace {
 
-// Sub-sampled size: size / factor rounded up to an even number.
+// Sub-sampled size: size / factor rounded up to an even number, and at least
+// 2 (the next even number above 0), so that a side shorter than the factor
+// still makes a picture.
 long sampledSize(long size, int factor) {
     const long q = size / factor;
+    if (q < 1) return 2;
     return q % 2 == 0 ? q : q + 1;
 }
 

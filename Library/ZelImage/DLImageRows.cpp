@@ -37,8 +37,18 @@ void writePixel(const PixelZel& in, typename Format::Sample* out) {
     out[2] = Format::fromChannel(in.blue, out[2]);
 }
 
-// Host column or row sampled for image column or row k.
-long sampledSource(long k, int factor) { return (factor >> 1) + k * factor; }
+// Host column or row sampled for image column or row k: factor / 2 + k * factor.
+// The image may reach past the last sample (its size was rounded up to an
+// even number, at least 2); such a padding row or column repeats the nearest
+// sampled one, the last, so that every image pixel is written and nothing
+// depends on what the allocator left there. A side too short for any sample
+// takes its last host row or column.
+long sampledSource(long k, int factor, long size) {
+    const long first = factor >> 1;
+    if (first >= size) return size - 1;
+    const long lastSampled = (size - 1 - first) / factor;
+    return first + (k < lastSampled ? k : lastSampled) * factor;
+}
 
 // Image row or column that host row or column k repeats.
 long replicatedSource(long k, int factor, int imageSize) {
@@ -60,13 +70,11 @@ template <class Format>
 void copyRowsSampled(const typename Format::Sample* buffer, long width, long height, int factor,
                      unsigned short alpha, ImageZel* image, long first, long last) {
     for (long j = first; j <= last; ++j) {
-        const long sy = sampledSource(j, factor);
-        if (sy >= height) break;
+        const long sy = sampledSource(j, factor, height);
         const typename Format::Sample* in = buffer + sy * width * kChannelsPerPixel;
         PixelZel* out = image->rows[j];
         for (long i = 0; i < image->width; ++i) {
-            const long sx = sampledSource(i, factor);
-            if (sx >= width) break;
+            const long sx = sampledSource(i, factor, width);
             readPixel<Format>(in + sx * kChannelsPerPixel, alpha, out[i]);
         }
     }

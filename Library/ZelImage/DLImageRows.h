@@ -2,7 +2,9 @@
 // conversions and their band forms. Rows are inclusive ranges; host buffers
 // are packed RGB with a stride of width pixels (3 bytes or 3 words a pixel).
 // The sub-sampled copy takes host row and column factor / 2 + k * factor for
-// image row and column k, as long as both lie inside the host frame; the
+// image row and column k; image rows and columns past the last sample repeat
+// the last sampled one (a side shorter than factor / 2 + 1 takes its last
+// host row or column); the
 // replicating paste gives host pixel (x, y) the image pixel
 // (min(x / factor, width - 1), min(y / factor, height - 1)).
 #pragma once

@@ -2,6 +2,12 @@
 // unchanged: the output must equal the conversion round trip of the input at
 // every proxy factor, with blending on or off, and buffer failures must
 // return null.
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include <malloc.h>
+
 #include "LoadedPlugin.h"
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -151,4 +157,87 @@ TEST_F(FrameDriverFailures, MissingHostBuffersReturnNull) {
 
     host().failingBufferIds.clear();
     EXPECT_EQ(plugin.process(info), output.storage.data());
+}
+
+namespace {
+
+// Host row or column shown at k of a side at a factor: the sample of k's block
+// (factor / 2 + block * factor), the last sample when the block lies past it
+// (the picture's padding), the last host row when the side has no sample.
+int expectedSource(int k, int factor, int side) {
+    const int imageSide = std::max(2, side / factor + (side / factor) % 2);
+    const int block = std::min(k / factor, imageSide - 1);
+    int source = factor / 2 + block * factor;
+    while (source >= side && source - factor >= factor / 2) source -= factor;
+    return std::min(source, side - 1);
+}
+
+}  // namespace
+
+// Every proxy factor against every side from 1 to 33, at both depths: no
+// frame is refused or read out of bounds, and every output pixel is the
+// sample the replication rule names, padding included.
+TEST_F(FrameDriver, EveryFactorAgainstEverySmallSide) {
+    const int factors[] = {2, 3, 4, 6, 8, 12, 16, 32};
+    for (int depth : {24, 48}) {
+        for (int selector = 1; selector <= 8; ++selector) {
+            const int factor = factors[selector - 1];
+            for (int side = 1; side <= 33; ++side) {
+                for (const auto& [width, height] : {std::pair{side, 5}, std::pair{7, side}}) {
+                    const SparkInfoStruct info = host().makeInfo(width, height, depth);
+                    if (side == 1 && selector == 1) initialise(info);
+                    simhost::FrameBuffer& input = host().setBuffer(2, width, height, depth);
+                    simhost::FrameBuffer& output = host().setBuffer(1, width, height, depth);
+                    for (int i = 0; i < width * height * 3; ++i) {
+                        if (depth == 24) input.bytes()[i] = static_cast<unsigned char>(i * 7 + 1);
+                        else input.words()[i] = static_cast<unsigned short>((i * 13 + 1) << 4);
+                    }
+                    proxy()->Value = selector;
+                    ASSERT_EQ(plugin.process(info), output.storage.data())
+                        << width << "x" << height << " factor " << factor << " depth " << depth;
+                    for (int y = 0; y < height; ++y)
+                        for (int x = 0; x < width; ++x)
+                            for (int c = 0; c < 3; ++c) {
+                                const int sx = expectedSource(x, factor, width);
+                                const int sy = expectedSource(y, factor, height);
+                                const int at = (y * width + x) * 3 + c;
+                                const int from = (sy * width + sx) * 3 + c;
+                                const int got = depth == 24 ? output.bytes()[at]
+                                                            : output.words()[at] >> 4;
+                                const int want = depth == 24 ? input.bytes()[from]
+                                                             : input.words()[from] >> 4;
+                                ASSERT_EQ(got, want) << width << "x" << height << " factor "
+                                                     << factor << " at " << x << "," << y;
+                            }
+                }
+            }
+        }
+    }
+    proxy()->Value = 0;
+}
+
+// Whatever the allocator leaves in fresh memory, a proxy frame whose picture
+// was padded (odd sub-sampled sizes) comes out the same: every byte of the
+// result is written from the input.
+TEST_F(FrameDriver, PaddedProxyFramesDoNotDependOnFreshMemory) {
+    plugin.record<SparkPupStruct>("SparkPup24")->Value = 0;  // View: Result
+    plugin.record<SparkFloatStruct>("SparkFloat6")->Value = -0.05f;
+    const int width = 150, height = 90;  // at 1/16: 9 x 5 samples, padded to 10 x 6
+    const SparkInfoStruct info = host().makeInfo(width, height, 24);
+    initialise(info);
+    proxy()->Value = 7;
+    std::vector<unsigned char> results[2];
+    const int perturb[2] = {0x5a, 0xa5};
+    for (int run = 0; run < 2; ++run) {
+        simhost::FrameBuffer& input = host().setBuffer(2, width, height, 24);
+        for (int i = 0; i < width * height * 3; ++i)
+            input.bytes()[i] = static_cast<unsigned char>(i * 31 + 3);
+        simhost::FrameBuffer& output = host().setBuffer(1, width, height, 24);
+        mallopt(M_PERTURB, perturb[run]);
+        ASSERT_EQ(plugin.process(info), output.storage.data());
+        mallopt(M_PERTURB, 0);
+        results[run].assign(output.bytes(), output.bytes() + width * height * 3);
+    }
+    EXPECT_EQ(results[0], results[1]);
+    proxy()->Value = 0;
 }

@@ -123,7 +123,7 @@ TEST(DLImageConversion, TruncationMasksTheImageAndSaysSo) {
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Truncating 12bit image to 10 bits.\n");
 }
 
-TEST(DLImageConversion, ProxySizesRoundUpToEvenAndLeaveUnsampledPixels) {
+TEST(DLImageConversion, ProxySizesRoundUpToEvenAndPadWithTheLastSample) {
     struct Case {
         int hostWidth;
         int imageWidth;
@@ -139,7 +139,8 @@ TEST(DLImageConversion, ProxySizesRoundUpToEvenAndLeaveUnsampledPixels) {
     }
 
     // Width 100, height 9 at factor 3: samples at 1, 4, ..., 97; column 33
-    // would be host column 100 and row 3 host row 10, so neither is written.
+    // would be host column 100 and row 3 host row 10, so both repeat the last
+    // sample (host column 97, host row 7) instead of keeping stale memory.
     std::vector<unsigned char> host = codedBytes(100, 9);
     ImageZel reuse(34, 4, 1.0f, nullptr, nullptr);
     fillSentinel(reuse);
@@ -157,9 +158,25 @@ TEST(DLImageConversion, ProxySizesRoundUpToEvenAndLeaveUnsampledPixels) {
             EXPECT_EQ(image->rows[j][i].green, sy * 128 + sy / 2) << i << "," << j;
             EXPECT_EQ(image->rows[j][i].alpha, 32767);
         }
-        EXPECT_EQ(image->rows[j][33].red, kSentinel) << "row " << j;
+        EXPECT_EQ(image->rows[j][33].red, image->rows[j][32].red) << "row " << j;
+        EXPECT_EQ(image->rows[j][33].green, image->rows[j][32].green) << "row " << j;
     }
-    for (int i = 0; i < 34; ++i) EXPECT_EQ(image->rows[3][i].red, kSentinel);
+    for (int i = 0; i < 34; ++i) {
+        EXPECT_EQ(image->rows[3][i].red, image->rows[2][i].red) << i;
+        EXPECT_EQ(image->rows[3][i].green, 7 * 128 + 3) << i;
+    }
+
+    // Sides shorter than the factor still make a 2 x 2 picture: a 1 x 1 host
+    // frame at factor 2 has no sample position inside it, so its one pixel
+    // fills the picture.
+    const unsigned char one[3] = {200, 100, 50};
+    ImageZel* tiny = ConvertFromDLImage8(const_cast<unsigned char*>(one), 1, 1, 1.0, 2, nullptr, 1);
+    ASSERT_NE(tiny, nullptr);
+    EXPECT_EQ(tiny->width, 2);
+    EXPECT_EQ(tiny->height, 2);
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 2; ++x) EXPECT_EQ(tiny->rows[y][x].red, 200 * 128 + 100);
+    delete tiny;
 }
 
 TEST(DLImageConversion, SubSampledTwelveBitAlphaIsFullSixteenBits) {
