@@ -2,11 +2,11 @@
 // unchanged: the output must equal the conversion round trip of the input at
 // every proxy factor, with blending on or off, and buffer failures must
 // return null.
+#include <malloc.h>
+
 #include <algorithm>
 #include <utility>
 #include <vector>
-
-#include <malloc.h>
 
 #include "LoadedPlugin.h"
 
@@ -189,8 +189,10 @@ TEST_F(FrameDriver, EveryFactorAgainstEverySmallSide) {
                     simhost::FrameBuffer& input = host().setBuffer(2, width, height, depth);
                     simhost::FrameBuffer& output = host().setBuffer(1, width, height, depth);
                     for (int i = 0; i < width * height * 3; ++i) {
-                        if (depth == 24) input.bytes()[i] = static_cast<unsigned char>(i * 7 + 1);
-                        else input.words()[i] = static_cast<unsigned short>((i * 13 + 1) << 4);
+                        if (depth == 24)
+                            input.bytes()[i] = static_cast<unsigned char>(i * 7 + 1);
+                        else
+                            input.words()[i] = static_cast<unsigned short>((i * 13 + 1) << 4);
                     }
                     proxy()->Value = selector;
                     ASSERT_EQ(plugin.process(info), output.storage.data())
@@ -202,10 +204,10 @@ TEST_F(FrameDriver, EveryFactorAgainstEverySmallSide) {
                                 const int sy = expectedSource(y, factor, height);
                                 const int at = (y * width + x) * 3 + c;
                                 const int from = (sy * width + sx) * 3 + c;
-                                const int got = depth == 24 ? output.bytes()[at]
-                                                            : output.words()[at] >> 4;
-                                const int want = depth == 24 ? input.bytes()[from]
-                                                             : input.words()[from] >> 4;
+                                const int got =
+                                    depth == 24 ? output.bytes()[at] : output.words()[at] >> 4;
+                                const int want =
+                                    depth == 24 ? input.bytes()[from] : input.words()[from] >> 4;
                                 ASSERT_EQ(got, want) << width << "x" << height << " factor "
                                                      << factor << " at " << x << "," << y;
                             }
