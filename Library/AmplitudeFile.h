@@ -5,11 +5,15 @@
 //   then n blocks of
 //       Key <key>  Frame <frame>  Value <value>  End
 // The header's channel number is read and not used. A negative size reads
-// blocks until one does not scan; a malformed block ends the reading quietly
-// with the keys read so far already delivered.
+// blocks until one does not scan; a malformed or missing block ends the
+// reading quietly with the keys read so far. A key number that does not fit
+// a frame number (32-bit) or a value that is not a finite single-precision
+// number makes the whole file unusable: the reading stops and says which
+// block.
 #pragma once
 
 #include <cstdio>
+#include <vector>
 
 struct ZelAmplitudeKey {
     int key = 0;    // the key number, which the import uses as the key's time
@@ -18,12 +22,17 @@ struct ZelAmplitudeKey {
 };
 
 enum class ZelAmplitudeRead {
-    kRead,      // the header scanned; every complete block was delivered
-    kNoHeader,  // not an amplitude file: nothing delivered
+    kRead,            // the header scanned; keys holds every complete block
+    kNoHeader,        // not an amplitude file
+    kKeyOutOfRange,   // block `block` has a key number beyond 32 bits
+    kValueNotFinite,  // block `block` has a NaN or infinite value
 };
 
-// Reads the file from its current position and calls deliver(context, key)
-// for each complete key block, in file order.
-ZelAmplitudeRead zelReadAmplitudeFile(std::FILE* file,
-                                      void (*deliver)(void* context, const ZelAmplitudeKey& key),
-                                      void* context);
+struct ZelAmplitudeResult {
+    ZelAmplitudeRead status = ZelAmplitudeRead::kNoHeader;
+    long long block = 0;  // 1-based block of a refusal
+    std::vector<ZelAmplitudeKey> keys;
+};
+
+// Reads the file from its current position.
+ZelAmplitudeResult zelReadAmplitudeFile(std::FILE* file);

@@ -1,5 +1,7 @@
 #include "ControlBinding.h"
 
+#include <cmath>
+
 #include "SparkControlRecords.h"
 #include "StraightluxInfo.h"
 
@@ -19,8 +21,14 @@ ZelListField fieldOf(SparkPupStruct& record) {
     return ZelListField{&record.Value, &record.TitleCount};
 }
 
-// The host counts menu entries from 0, the controls from 1.
-long itemOf(const SparkPupStruct& record) { return record.Value + 1L; }
+// The host counts menu entries from 0, the controls from 1. An index outside
+// the menu (whatever a host or a set-up stored) is clamped into it.
+long itemOf(const SparkPupStruct& record, const ControlDescriptor& control) {
+    const long index = record.Value;
+    if (index < 0) return 1;
+    if (index >= control.entryCount) return control.entryCount;
+    return index + 1;
+}
 
 }  // namespace
 
@@ -56,16 +64,32 @@ void bindControls(StraightluxInfo& c) {
     c.reset.bind(kResetButtonControl.number);
 }
 
+float hostValue(const SparkFloatStruct& record, const ControlDescriptor& control) {
+    float value = record.Value;
+    if (!std::isfinite(value)) return control.defaultValue;
+    float min = record.Min;
+    float max = record.Max;
+    // A range that is itself broken gives way to the control table's.
+    if (!std::isfinite(min) || !std::isfinite(max) || min > max) {
+        min = control.min;
+        max = control.max;
+    }
+    if (value < min) value = min;
+    if (value > max) value = max;
+    return value;
+}
+
 void copyHostValuesToControls(StraightluxInfo& c) {
-    c.radial1.setCached(SparkFloat6.Value);
-    c.radial2.setCached(SparkFloat7.Value);
-    c.xCurvature.setCached(SparkFloat8.Value);
-    c.yCurvature.setCached(SparkFloat9.Value);
-    c.centre.setCached(SparkFloat13.Value / kPercent, SparkFloat14.Value / kPercent);
-    c.squeeze.setCached(SparkFloat16.Value);
-    c.magnify.setCached(SparkFloat18.Value);
-    c.sampling.setCached(itemOf(SparkPup17));
-    c.lineEdit.setCached(itemOf(SparkPup20));
-    c.mode.setCached(itemOf(SparkPup23));
-    c.view.setCached(itemOf(SparkPup24));
+    c.radial1.setCached(hostValue(SparkFloat6, kRadial1Control));
+    c.radial2.setCached(hostValue(SparkFloat7, kRadial2Control));
+    c.xCurvature.setCached(hostValue(SparkFloat8, kXCurvatureControl));
+    c.yCurvature.setCached(hostValue(SparkFloat9, kYCurvatureControl));
+    c.centre.setCached(hostValue(SparkFloat13, kCentreXControl) / kPercent,
+                       hostValue(SparkFloat14, kCentreYControl) / kPercent);
+    c.squeeze.setCached(hostValue(SparkFloat16, kSqueezeControl));
+    c.magnify.setCached(hostValue(SparkFloat18, kMagnifyControl));
+    c.sampling.setCached(itemOf(SparkPup17, kSamplingControl));
+    c.lineEdit.setCached(itemOf(SparkPup20, kLineEditControl));
+    c.mode.setCached(itemOf(SparkPup23, kModeControl));
+    c.view.setCached(itemOf(SparkPup24, kViewControl));
 }

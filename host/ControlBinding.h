@@ -2,11 +2,15 @@
 // records. bindControls runs once at start-up; copyHostValuesToControls runs
 // before every frame and every overlay drawing and puts the host values into
 // the controls' cached values in plug-in units (fractions for positions,
-// 1-based list items). The auxiliary records keep each bound field's range
+// 1-based list items), whatever the records hold: a value that is not a
+// finite number counts as the control's default, a value is clamped to its
+// record's range (the control table's when the record's own is broken), a
+// menu index into the menu. The auxiliary records keep each bound field's range
 // while it is greyed out; they stay inside the plug-in.
 #pragma once
 
 #include "ControlAuxRecords.h"
+#include "SparkApi.h"
 
 struct StraightluxInfo;
 
@@ -25,3 +29,7 @@ extern ZelAuxList AuxZelList24;
 // Binds every control of the lens plug-in's info to its exported record.
 void bindControls(StraightluxInfo& controls);
 void copyHostValuesToControls(StraightluxInfo& controls);
+
+struct ControlDescriptor;
+// A float record's value as the plug-in may use it (see above).
+float hostValue(const SparkFloatStruct& record, const ControlDescriptor& control);

@@ -1,6 +1,10 @@
 #include "HelpTopic.h"
 
-#include <cstdio>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 
@@ -17,103 +21,67 @@ constexpr const char* kGeometryOption = "-geometry";
 constexpr const char* kWindowPlace = "+50+50";
 constexpr const char* kHelpFailure =
     "Error in opening help file (failed to spawn netscape process)";
+constexpr int kLaunchFailed = -1;
 
-// A single-quoted word may grow to four characters per quote in the value.
-constexpr std::size_t kWordCapacity = 4 * FILENAME_MAX + 3;
-constexpr std::size_t kCommandCapacity = 2 * kWordCapacity + 64;
-constexpr int kCommandFailed = -1;
-
-// Characters that mean nothing to the shell and need no quoting.
-bool isOrdinary(const char* value) {
-    for (const char* c = value; *c != '\0'; ++c) {
-        if (std::strchr("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_./:+,@%=-",
-                        *c) == nullptr) {
-            return false;
-        }
-    }
-    return true;
+// The variable's value, or the default when it is unset or empty.
+const char* settingOr(const char* variable, const char* fallback) {
+    const char* value = std::getenv(variable);
+    return value != nullptr && *value != '\0' ? value : fallback;
 }
 
-bool fits(int written, std::size_t size) {
-    return written >= 0 && static_cast<std::size_t>(written) < size;
-}
-
-// The value as one shell word: as it stands when ordinary, otherwise inside
-// single quotes, each quote of its own written as '\''.
-bool shellWord(char* word, std::size_t size, const char* value) {
-    if (isOrdinary(value)) return fits(std::snprintf(word, size, "%s", value), size);
-    std::size_t n = 0;
-    auto put = [&](const char* text) {
-        const std::size_t length = std::strlen(text);
-        if (n + length >= size) return false;
-        std::memcpy(word + n, text, length);
-        n += length;
-        return true;
-    };
-    if (!put("'")) return false;
-    for (const char* c = value; *c != '\0'; ++c) {
-        const char single[2] = {*c, '\0'};
-        if (!put(*c == '\'' ? "'\\''" : single)) return false;
+// Starts the browser in a short-lived child that exits as soon as the spawn
+// has answered, so the browser is adopted by init: the host neither waits
+// for it nor collects it. The child's exit status says whether it started.
+int launchDetached(const std::vector<std::string>& arguments) {
+    std::vector<char*> argv;
+    for (const std::string& argument : arguments)
+        argv.push_back(const_cast<char*>(argument.c_str()));
+    argv.push_back(nullptr);
+    const pid_t child = fork();
+    if (child < 0) return kLaunchFailed;
+    if (child == 0) {
+        pid_t browser = 0;
+        const int started = posix_spawnp(&browser, argv[0], nullptr, nullptr, argv.data(), environ);
+        _exit(started == 0 ? 0 : 1);
     }
-    if (!put("'")) return false;
-    word[n] = '\0';
-    return true;
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0) {
+        if (errno != EINTR) return kLaunchFailed;
+    }
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? 0 : kLaunchFailed;
 }
 
 }  // namespace
 
-bool buildHelpCommand(char* command, std::size_t size, const char* browser, const char* installDir,
-                      const char* topic) {
-    if (command == nullptr || size == 0) return false;
-    command[0] = '\0';
-    if (browser == nullptr || installDir == nullptr || topic == nullptr) return false;
-
-    char helpDir[FILENAME_MAX];
-    if (!fits(std::snprintf(helpDir, sizeof helpDir, "%s/dl/help", installDir), sizeof helpDir)) {
+bool buildHelpArguments(std::vector<std::string>& arguments, const char* browser,
+                        const char* installDir, const char* topic) {
+    arguments.clear();
+    if (browser == nullptr || installDir == nullptr || topic == nullptr || *browser == '\0') {
         return false;
     }
-
-    // The topic without its last extension; a leading dot starts no extension.
+    // The topic without its last extension, kept in a static buffer; a leading
+    // dot starts no extension.
     static char topicBase[FILENAME_MAX];
-    if (!fits(std::snprintf(topicBase, sizeof topicBase, "%s", topic), sizeof topicBase)) {
-        topicBase[0] = '\0';
-        return false;
-    }
+    if (std::strlen(topic) >= sizeof topicBase) return false;
+    std::strcpy(topicBase, topic);
     char* dot = std::strrchr(topicBase, '.');
     if (dot != nullptr && dot != topicBase) *dot = '\0';
 
-    char address[2 * FILENAME_MAX];
-    if (!fits(std::snprintf(address, sizeof address, "file:%s/%s.htm", helpDir, topicBase),
-              sizeof address)) {
-        return false;
-    }
-
-    char browserWord[kWordCapacity];
-    char addressWord[kWordCapacity];
-    if (!shellWord(browserWord, sizeof browserWord, browser) ||
-        !shellWord(addressWord, sizeof addressWord, address)) {
-        return false;
-    }
-    if (!fits(std::snprintf(command, size, "%s %s %s %s &", browserWord, kGeometryOption,
-                            kWindowPlace, addressWord),
-              size)) {
-        command[0] = '\0';
-        return false;
-    }
+    const std::string address =
+        std::string("file:") + installDir + "/dl/help/" + topicBase + ".htm";
+    // A path the system could not open is refused rather than cut.
+    if (std::strlen(browser) >= FILENAME_MAX || address.size() >= 2 * FILENAME_MAX) return false;
+    arguments = {browser, kGeometryOption, kWindowPlace, address};
     return true;
 }
 
 int display_help_topic(const char* topic) {
-    const char* installDir = std::getenv(kInstallDirVariable);
-    if (installDir == nullptr) installDir = kDefaultInstallDir;
-    const char* browser = std::getenv(kBrowserVariable);
-    if (browser == nullptr) browser = kDefaultBrowser;
-
-    static char command[kCommandCapacity];
-    if (!buildHelpCommand(command, sizeof command, browser, installDir, topic)) {
-        return kCommandFailed;
+    std::vector<std::string> arguments;
+    if (!buildHelpArguments(arguments, settingOr(kBrowserVariable, kDefaultBrowser),
+                            settingOr(kInstallDirVariable, kDefaultInstallDir), topic)) {
+        return kLaunchFailed;
     }
-    return std::system(command);
+    return launchDetached(arguments);
 }
 
 unsigned long* HelpCB(int, SparkInfoStruct) {

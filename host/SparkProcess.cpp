@@ -118,7 +118,7 @@ unsigned long* processFrame(const SparkInfoStruct& info) {
 
     Instance.ProcessFrame();
 
-    const float blend = SparkFloat27.Value / kPercent;
+    const float blend = hostValue(SparkFloat27, kBlendControl) / kPercent;
     if (blend > 0.0f && output.image != nullptr && input.image != nullptr) {
         output.image->InBlend(blend, input.image);
     }

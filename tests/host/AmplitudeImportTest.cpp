@@ -3,6 +3,7 @@
 // small nor well formed.
 #include <SimHost.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -109,4 +110,29 @@ TEST_F(AmplitudeButton, BrowsesTheWorkingDirectoryAndLoadsTheChoice) {
     std::filesystem::remove(kPath);
     EXPECT_TRUE(host().called("sparkFileBrowserDisplay(/tmp/work dir,)"));
     EXPECT_EQ(host().curveKeys[93], (Keys{{12, -0.5f}}));
+}
+
+// Files that would hang the host or poison the channel are refused on the
+// host's error line, and no key of them is set.
+TEST(AmplitudeImport, FifosNonFiniteValuesAndWideKeysAreRefused) {
+    setenv("STRAIGHTLUX_SLEEP_SCALE", "0", 1);
+    const std::string fifo = kPath + ".fifo";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    host().reset();
+    std::string path = fifo;
+    aiff_file_CB(path.data());  // returns at once instead of waiting for a writer
+    std::filesystem::remove(fifo);
+    EXPECT_TRUE(
+        host().called("sparkError(Amplitude import refused: " + fifo + " is not a regular file)"));
+    EXPECT_TRUE(host().curveKeys[93].empty());
+
+    for (const char* bad : {"nan", "inf"}) {
+        EXPECT_TRUE(load(header(2) + block(1, 1, "0.5") + block(2, 2, bad)).empty()) << bad;
+        EXPECT_TRUE(host().called("sparkError(Amplitude import refused: " + kPath +
+                                  " key 2 has a value that is not a finite number)"));
+    }
+    EXPECT_TRUE(load(header(1) + "\tKey 4294967297\n\t\tFrame 1\n\t\tValue 1\n\t\tEnd\n").empty());
+    EXPECT_TRUE(host().called("sparkError(Amplitude import refused: " + kPath +
+                              " key 1 has a key number beyond 32 bits)"));
+    EXPECT_TRUE(messages().empty());
 }

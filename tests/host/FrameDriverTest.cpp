@@ -5,6 +5,7 @@
 #include <malloc.h>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -242,4 +243,56 @@ TEST_F(FrameDriver, PaddedProxyFramesDoNotDependOnFreshMemory) {
     }
     EXPECT_EQ(results[0], results[1]);
     proxy()->Value = 0;
+}
+
+// Whatever a host or a set-up leaves in the records, a frame is rendered as
+// if the values were the nearest valid ones: a value that is not a number is
+// the default, others are clamped to the record's range, menu indices into
+// the menu.
+TEST_F(FrameDriver, RecordsHoldingAnythingRenderAsTheNearestValidValues) {
+    plugin.record<SparkPupStruct>("SparkPup24")->Value = 0;  // View: Result
+    const int width = 24, height = 16;
+    const SparkInfoStruct info = host().makeInfo(width, height, 24);
+    initialise(info);
+    auto render = [&] {
+        simhost::FrameBuffer& input = host().setBuffer(2, width, height, 24);
+        for (int i = 0; i < width * height * 3; ++i)
+            input.bytes()[i] = static_cast<unsigned char>(i * 29 + 5);
+        simhost::FrameBuffer& output = host().setBuffer(1, width, height, 24);
+        EXPECT_EQ(plugin.process(info), output.storage.data());
+        return std::vector<unsigned char>(output.bytes(), output.bytes() + width * height * 3);
+    };
+    auto* radial1 = plugin.record<SparkFloatStruct>("SparkFloat6");
+    auto* squeeze = plugin.record<SparkFloatStruct>("SparkFloat16");
+    auto* sampling = plugin.record<SparkPupStruct>("SparkPup17");
+    auto* mode = plugin.record<SparkPupStruct>("SparkPup23");
+
+    radial1->Value = 0.2f;
+    squeeze->Value = 0.5f;  // the range's minimum
+    sampling->Value = 4;    // BSpline, the last entry
+    mode->Value = 0;        // Remove, the first
+    blend()->Value = 30.0f;
+    const std::vector<unsigned char> valid = render();
+
+    squeeze->Value = 0.0f;  // would divide by zero
+    sampling->Value = 2147483647;
+    mode->Value = -5;
+    EXPECT_EQ(render(), valid);
+    blend()->Value = 0.0f;
+    const std::vector<unsigned char> unblended = render();
+    blend()->Value = INFINITY;  // not a number to blend with: the default, none
+    EXPECT_EQ(render(), unblended);
+    blend()->Value = 1000.0f;  // clamped to 100: the input itself
+    const std::vector<unsigned char> input = render();
+    EXPECT_NE(input, unblended);
+    blend()->Value = 100.0f;
+    EXPECT_EQ(render(), input);
+    blend()->Value = NAN;
+    radial1->Value = NAN;  // the default: 0, an identity map
+    squeeze->Value = 1.0f;
+    sampling->Value = 3;
+    const std::vector<unsigned char> identity = render();
+    radial1->Value = 0.0f;
+    EXPECT_EQ(identity, render());
+    blend()->Value = 0.0f;
 }

@@ -43,6 +43,7 @@ class HelpThroughPlugin : public LoadedPlugin {
 
     // Presses "Help"; the arguments the browser got.
     std::vector<std::string> pressHelp() {
+        fs::remove(dir + "/log");
         host().clearCalls();
         EXPECT_EQ(plugin.callback("SparkPush31", 1, host().makeInfo(8, 6, 24)), nullptr);
         for (int attempt = 0; attempt < 200; ++attempt) {
@@ -77,10 +78,38 @@ TEST_F(HelpThroughPlugin, UnsetAndOrdinaryValuesGiveTheUsualCommand) {
     EXPECT_EQ(pressHelp(), expected(dir + "/install"));
     EXPECT_EQ(host().count("sparkError"), 0);
 
-    setenv("ZEL_HELP_BROWSER", std::string(40000, 'b').c_str(), 1);
-    plugin.callback("SparkPush31", 1, host().makeInfo(8, 6, 24));
-    EXPECT_TRUE(
-        host().called("sparkError(Error in opening help file (failed to spawn netscape process))"));
+    // Empty values count as unset.
+    setenv("ZEL_HELP_BROWSER", "", 1);
+    setenv("DIR_ZEL", "", 1);
+    EXPECT_EQ(pressHelp(), expected("/usr/local/Marrowby"));
+    EXPECT_EQ(host().count("sparkError"), 0);
+
+    // A browser that cannot be started is the help's failure.
+    for (const std::string& browser :
+         {std::string(40000, 'b'), std::string("no-such-browser-anywhere")}) {
+        setenv("ZEL_HELP_BROWSER", browser.c_str(), 1);
+        host().clearCalls();
+        plugin.callback("SparkPush31", 1, host().makeInfo(8, 6, 24));
+        EXPECT_TRUE(host().called(
+            "sparkError(Error in opening help file (failed to spawn netscape process))"));
+    }
+}
+
+// Values that a shell would have read as an assignment, an option or a
+// command of its own start no program: there is no shell.
+TEST_F(HelpThroughPlugin, ShellLikeBrowsersRunNothing) {
+    const std::string script = dir + "/script";
+    std::ofstream(script) << "touch " << dir << "/m7\n";
+    chmod(script.c_str(), 0755);
+    setenv("DIR_ZEL", script.c_str(), 1);
+    for (const char* browser : {"eval", "NAME=value", "-geometry", "sh -c"}) {
+        setenv("ZEL_HELP_BROWSER", browser, 1);
+        host().clearCalls();
+        plugin.callback("SparkPush31", 1, host().makeInfo(8, 6, 24));
+        EXPECT_EQ(host().count("sparkError"), 1) << browser;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    EXPECT_FALSE(fs::exists(dir + "/m7"));
 }
 
 // Unquoted, these values would parse and create every marker.
