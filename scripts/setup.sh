@@ -10,7 +10,7 @@ set -euo pipefail
 
 # The base toolchain (a fresh machine has these) and what the project adds:
 # pkg-config finds OpenImageIO for the command-line tool.
-packages=(g++ cmake make pkg-config libgtest-dev libbenchmark-dev libopenimageio-dev)
+packages=(g++ cmake make pkg-config libgtest-dev libbenchmark-dev libopenimageio-dev libosmesa6-dev)
 # shellcheck disable=SC2206
 packages+=(${STRAIGHTLUX_SETUP_EXTRA:-})
 
