@@ -45,10 +45,12 @@ class OverlayZel {
     void DrawHandle(float x, float y, bool selected);
     // Half a handle's side: the widgets' pick radius.
     float GrabHandleSize() const;
-    // Dashes and gaps each `dash` long, starting with a gap.
+    // Dashes and gaps each `dash` long, starting with a gap; a dash of 0 or
+    // less, or a line with a NaN or infinite end, draws nothing.
     void DrawLineDotted(float x1, float y1, float x2, float y2, int dash);
     // An ellipse or elliptic arc from startAngle to endAngle; with `dotted`,
-    // every other segment.
+    // every other segment. Nothing below 5 units across, with a dash of 0 or
+    // less, or with an infinite angle.
     void DrawEllipse(float cx, float cy, float width, float height, float angle, int dotted,
                      int dash, float startAngle, float endAngle);
     // A rectangle rotated by `angle`, its height stretched by the aspect.

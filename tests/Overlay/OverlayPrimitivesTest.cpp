@@ -120,6 +120,14 @@ TEST(OverlayPrimitives, DottedLineStartsWithAGapAndStopsAtItsEnd) {
     surface.DrawLineDotted(0, 0, 5, 0, 10);
     surface.DrawLineDotted(7, 7, 7, 7, 10);
     EXPECT_TRUE(primitives().empty());
+
+    // No dash length or no end to walk to: nothing, rather than an endless walk.
+    surface.DrawLineDotted(0, 0, 50, 0, 0);
+    surface.DrawLineDotted(0, 0, INFINITY, 0, 10);
+    surface.DrawLineDotted(0, 0, NAN, 0, 10);
+    surface.DrawEllipse(100, 50, 10, 6, 0, 0, 0, 0, 360);
+    surface.DrawEllipse(100, 50, 10, 6, 0, 0, 4, 0, INFINITY);
+    EXPECT_TRUE(primitives().empty());
 }
 
 TEST(OverlayPrimitives, EllipseClosedOpenDottedAndTooSmall) {
