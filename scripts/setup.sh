@@ -9,8 +9,10 @@
 set -euo pipefail
 
 # The base toolchain (a fresh machine has these) and what the project adds:
-# pkg-config finds OpenImageIO for the command-line tool.
-packages=(g++ cmake make pkg-config clang-format libgtest-dev libbenchmark-dev libopenimageio-dev)
+# pkg-config finds OpenImageIO for the command-line tool; OSMesa gives the
+# simulated host's viewer a real OpenGL context.
+packages=(g++ cmake make pkg-config clang-format libgtest-dev libbenchmark-dev libopenimageio-dev
+  libosmesa6-dev)
 # shellcheck disable=SC2206
 packages+=(${STRAIGHTLUX_SETUP_EXTRA:-})
 
