@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "CrosshairOverlayZel.h"
-#include "DrawingRecorder.h"
+#include "Library/DrawingRecorder.h"
 #include "OverlayZel.h"
 #include "PolyLineSet2DZel.h"
 #include "StraightluxInfo.h"
