@@ -11,16 +11,16 @@ constexpr double kDegreesPerRadian = 180.0 / 3.14159265358979323846;
 }
 
 void AngleOverlayZel::HandleInteraction(InterType type, float px, float py) {
-    HandleCommon(type, px, py);
+    handleCommon(type, px, py);
 }
 
-int AngleOverlayZel::HandleAt(float px, float py) const {
-    return Hits(handleX, handleY, px, py) ? 1 : 0;
+int AngleOverlayZel::handleAt(float px, float py) const {
+    return hits(handleX, handleY, px, py) ? 1 : 0;
 }
 
-void AngleOverlayZel::Drag(float x, float y) {
+void AngleOverlayZel::drag(float x, float y) {
     float w, h;
-    if (!FrameSize(w, h)) return;
+    if (!frameSize(w, h)) return;
     const float px = w * pivotX;
     const float py = h * pivotY;
     // The vertical offset is brought back to square pixels before the angle.

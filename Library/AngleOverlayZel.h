@@ -11,7 +11,7 @@ class AngleOverlayZel : public OverlayControlZel {
   public:
     AngleOverlayZel() = default;
 
-    void Bind(int control, const ZelFloatField& angleRecord) {
+    void bind(int control, const ZelFloatField& angleRecord) {
         number = control, angleField = angleRecord;
     }
 
@@ -31,6 +31,6 @@ class AngleOverlayZel : public OverlayControlZel {
     float handleY = 0.0f;
 
   protected:
-    int HandleAt(float px, float py) const override;
-    void Drag(float px, float py) override;
+    int handleAt(float px, float py) const override;
+    void drag(float px, float py) override;
 };

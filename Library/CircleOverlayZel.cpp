@@ -10,20 +10,20 @@ constexpr double kPi = 3.14159265358979323846;
 }
 
 void CircleOverlayZel::HandleInteraction(InterType type, float px, float py) {
-    HandleCommon(type, px, py);
+    handleCommon(type, px, py);
 }
 
-int CircleOverlayZel::HandleAt(float px, float py) const {
+int CircleOverlayZel::handleAt(float px, float py) const {
     for (int handle = 1; handle <= 3; ++handle) {
         if (locked && handle != 2) continue;
-        if (Hits(handleX[handle - 1], handleY[handle - 1], px, py)) return handle;
+        if (hits(handleX[handle - 1], handleY[handle - 1], px, py)) return handle;
     }
     return 0;
 }
 
-void CircleOverlayZel::Drag(float x, float y) {
+void CircleOverlayZel::drag(float x, float y) {
     float w, h;
-    if (!FrameSize(w, h)) return;
+    if (!frameSize(w, h)) return;
     const double dx = x - w * centreX;
     const double dy = y - h * centreY;
     const double distance = std::sqrt(dx * dx + dy * dy);
@@ -54,18 +54,18 @@ void CircleOverlayZel::Drag(float x, float y) {
 
 void CircleOverlayZel::HandleInteractionPlat(InterType type, float, float) {
     if (type != INTER_DRAG) return;
-    ClampPercent(width, widthField);
-    ClampPercent(height, heightField);
+    clampPercent(width, widthField);
+    clampPercent(height, heightField);
     switch (selected) {
         case 1:
-            WritePercent(width, widthField, widthNumber);
-            WritePercent(height, heightField, heightNumber);
+            writePercent(width, widthField, widthNumber);
+            writePercent(height, heightField, heightNumber);
             break;
         case 2:
-            WritePercent(width, widthField, widthNumber);
+            writePercent(width, widthField, widthNumber);
             break;
         case 3:
-            WritePercent(height, heightField, heightNumber);
+            writePercent(height, heightField, heightNumber);
             break;
         default:
             break;

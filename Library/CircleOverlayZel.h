@@ -12,7 +12,7 @@ class CircleOverlayZel : public OverlayControlZel {
   public:
     CircleOverlayZel() = default;
 
-    void Bind(int widthControl, const ZelFloatField& widthRecord, int heightControl,
+    void bind(int widthControl, const ZelFloatField& widthRecord, int heightControl,
               const ZelFloatField& heightRecord) {
         widthNumber = widthControl, widthField = widthRecord;
         heightNumber = heightControl, heightField = heightRecord;
@@ -39,6 +39,6 @@ class CircleOverlayZel : public OverlayControlZel {
     float handleY[3] = {0.0f, 0.0f, 0.0f};
 
   protected:
-    int HandleAt(float px, float py) const override;
-    void Drag(float px, float py) override;
+    int handleAt(float px, float py) const override;
+    void drag(float px, float py) override;
 };

@@ -9,7 +9,7 @@ class CrosshairOverlayZel : public OverlayControlZel {
   public:
     CrosshairOverlayZel() = default;
 
-    void Bind(int control, const ZelFloatField& xRecord, const ZelFloatField& yRecord) {
+    void bind(int control, const ZelFloatField& xRecord, const ZelFloatField& yRecord) {
         number = control, xField = xRecord, yField = yRecord;
     }
 
@@ -29,6 +29,6 @@ class CrosshairOverlayZel : public OverlayControlZel {
     int32_t diagonals = 0;
 
   protected:
-    int HandleAt(float px, float py) const override;
-    void Drag(float px, float py) override;
+    int handleAt(float px, float py) const override;
+    void drag(float px, float py) override;
 };

@@ -10,7 +10,7 @@ class LineOverlayZel : public OverlayControlZel {
   public:
     LineOverlayZel() = default;
 
-    void Bind(int startControl, const ZelFloatField& startXRecord,
+    void bind(int startControl, const ZelFloatField& startXRecord,
               const ZelFloatField& startYRecord, int endControl, const ZelFloatField& endXRecord,
               const ZelFloatField& endYRecord) {
         startNumber = startControl, startX = startXRecord, startY = startYRecord;
@@ -35,6 +35,6 @@ class LineOverlayZel : public OverlayControlZel {
     float handleY = 0.0f;
 
   protected:
-    int HandleAt(float px, float py) const override;
-    void Drag(float px, float py) override;
+    int handleAt(float px, float py) const override;
+    void drag(float px, float py) override;
 };

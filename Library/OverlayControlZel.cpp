@@ -8,32 +8,32 @@ namespace {
 constexpr double kPercent = 100.0;
 }
 
-bool OverlayControlZel::Hits(float hx, float hy, float x, float y) const {
+bool OverlayControlZel::hits(float hx, float hy, float x, float y) const {
     if (!surface) return false;
     // A square test with strict bounds: a pointer exactly r away misses.
     const float r = surface->GrabHandleSize();
     return hx - r < x && x < hx + r && hy - r < y && y < hy + r;
 }
 
-bool OverlayControlZel::FrameSize(float& w, float& h) const {
+bool OverlayControlZel::frameSize(float& w, float& h) const {
     if (!surface || surface->frameWidth <= 0 || surface->frameHeight <= 0) return false;
     w = static_cast<float>(surface->frameWidth);
     h = static_cast<float>(surface->frameHeight);
     return true;
 }
 
-void OverlayControlZel::HandleCommon(InterType type, float x, float y) {
+void OverlayControlZel::handleCommon(InterType type, float x, float y) {
     switch (type) {
         case INTER_PRESS:
-            selected = highlighted = HandleAt(x, y);
+            selected = highlighted = handleAt(x, y);
             HandleInteractionPlat(type, x, y);
             break;
         case INTER_MOVE:
-            highlighted = HandleAt(x, y);
+            highlighted = handleAt(x, y);
             HandleInteractionPlat(type, x, y);
             break;
         case INTER_DRAG:
-            if (selected) Drag(x, y);
+            if (selected) drag(x, y);
             HandleInteractionPlat(type, x, y);
             break;
         case INTER_RELEASE:
@@ -45,13 +45,13 @@ void OverlayControlZel::HandleCommon(InterType type, float x, float y) {
     }
 }
 
-void OverlayControlZel::ClampPercent(float& v, const ZelFloatField& field) {
+void OverlayControlZel::clampPercent(float& v, const ZelFloatField& field) {
     if (!field.value) return;
     if (field.max && v * kPercent > *field.max) v = static_cast<float>(*field.max / kPercent);
     if (field.min && *field.min > v * kPercent) v = static_cast<float>(*field.min / kPercent);
 }
 
-void OverlayControlZel::WritePercent(float v, const ZelFloatField& field, int control) {
+void OverlayControlZel::writePercent(float v, const ZelFloatField& field, int control) {
     if (!field.value) return;
     *field.value = static_cast<float>(v * kPercent);
     zelControlUpdate(control);

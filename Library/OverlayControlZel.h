@@ -44,26 +44,26 @@ class OverlayControlZel {
 
   protected:
     // Strictly inside the square of half-side GrabHandleSize() about (hx, hy).
-    bool Hits(float hx, float hy, float x, float y) const;
+    bool hits(float hx, float hy, float x, float y) const;
     // W and H of the surface as floats; false (and nothing to drag against)
     // without a surface or with an empty frame.
-    bool FrameSize(float& w, float& h) const;
+    bool frameSize(float& w, float& h) const;
 
     // The press / move / drag / release rules shared by the crosshair, line,
     // angle and circle; the kind supplies HandleAt and Drag.
-    void HandleCommon(InterType type, float x, float y);
+    void handleCommon(InterType type, float x, float y);
     // The first handle, in handle order, that (x, y) hits; 0 for none.
-    virtual int HandleAt(float x, float y) const {
+    virtual int handleAt(float x, float y) const {
         (void)x, (void)y;
         return 0;
     }
     // Moves the selected handle to (x, y).
-    virtual void Drag(float x, float y) { (void)x, (void)y; }
+    virtual void drag(float x, float y) { (void)x, (void)y; }
 
     // Lowers v to max / 100 when 100 v is above the field's maximum, then
     // raises it to min / 100 when the minimum is above 100 v (the minimum
     // wins an inverted range). An unbound field leaves v alone.
-    static void ClampPercent(float& v, const ZelFloatField& field);
+    static void clampPercent(float& v, const ZelFloatField& field);
     // Writes 100 v to a bound field and tells the host that `control` changed.
-    static void WritePercent(float v, const ZelFloatField& field, int control);
+    static void writePercent(float v, const ZelFloatField& field, int control);
 };

@@ -106,7 +106,7 @@ void OverlayZel::DrawEllipse(float cx, float cy, float width, float height, floa
 
 void OverlayZel::DrawRectangle(float cx, float cy, float width, float height, float angle,
                                int dotted, int dash) {
-    const float q = Aspect();
+    const float q = aspect();
     // Rotate in a square-pixel frame, then stretch y back by the aspect.
     const double a = width / 2.0;
     const double b = height / q / 2.0;

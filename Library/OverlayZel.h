@@ -89,5 +89,5 @@ class OverlayZel {
 
   protected:
     // Vertical stretch numerator / denominator.
-    float Aspect() const { return aspectNumerator / aspectDenominator; }
+    float aspect() const { return aspectNumerator / aspectDenominator; }
 };

@@ -61,7 +61,7 @@ void OverlayZel::DrawAngleOverlay(AngleOverlayZel* widget) {
     if (!widget) return;
     useColour(*this, *widget);
     float ex, ey;
-    angleEnd(*this, *widget, Aspect(), ex, ey);
+    angleEnd(*this, *widget, aspect(), ex, ey);
     DrawLine(frameWidth * widget->pivotX, frameHeight * widget->pivotY, ex, ey);
     DrawHandle(ex, ey, widget->selected != 0);
     widget->handleX = ex;
@@ -72,7 +72,7 @@ void OverlayZel::DrawPointyAngleOverlay(AngleOverlayZel* widget) {
     if (!widget) return;
     useColour(*this, *widget);
     float ex, ey;
-    angleEnd(*this, *widget, Aspect(), ex, ey);
+    angleEnd(*this, *widget, aspect(), ex, ey);
     const float px = frameWidth * widget->pivotX;
     const float py = frameHeight * widget->pivotY;
     DrawCrosshair(px, py, 1);
@@ -114,10 +114,10 @@ void OverlayZel::DrawRectangleOverlay(RectangleOverlayZel* widget) {
     const float cx = w * widget->centreX;
     const float cy = frameHeight * widget->centreY;
     const float width = w * widget->width;
-    const float height = widget->DrawnHeight(w, static_cast<float>(frameHeight));
+    const float height = widget->drawnHeight(w, static_cast<float>(frameHeight));
     DrawRectangle(cx, cy, width, height, widget->angle, 0, 0);
     // Handle places in the rectangle's own frame, placed as its corners are.
-    const float q = Aspect();
+    const float q = aspect();
     const double a = width / 2.0;
     const double b = height / q / 2.0;
     const double local[3][2] = {{a, b}, {a, 0.0}, {0.0, b}};

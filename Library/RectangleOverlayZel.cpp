@@ -12,23 +12,23 @@ constexpr double kPi = 3.14159265358979323846;
 
 void RectangleOverlayZel::HandleInteraction(InterType type, float x, float y) {
     if (type == INTER_MOVE) {
-        if (HandleAt(x, y)) HandleInteractionPlat(type, x, y);
+        if (handleAt(x, y)) HandleInteractionPlat(type, x, y);
         return;
     }
-    HandleCommon(type, x, y);
+    handleCommon(type, x, y);
 }
 
-int RectangleOverlayZel::HandleAt(float px, float py) const {
+int RectangleOverlayZel::handleAt(float px, float py) const {
     const int handles = square ? 2 : 3;
     for (int handle = 1; handle <= handles; ++handle) {
-        if (Hits(handleX[handle - 1], handleY[handle - 1], px, py)) return handle;
+        if (hits(handleX[handle - 1], handleY[handle - 1], px, py)) return handle;
     }
     return 0;
 }
 
-void RectangleOverlayZel::Drag(float x, float y) {
+void RectangleOverlayZel::drag(float x, float y) {
     float w, h;
-    if (!FrameSize(w, h)) return;
+    if (!frameSize(w, h)) return;
     const double q = surface->aspectNumerator / surface->aspectDenominator;
     const double dx = x - w * centreX;
     const double dy = y - h * centreY;
@@ -60,10 +60,10 @@ void RectangleOverlayZel::Drag(float x, float y) {
 
 void RectangleOverlayZel::HandleInteractionPlat(InterType type, float, float) {
     if (type != INTER_DRAG || !selected) return;
-    ClampPercent(width, widthField);
-    ClampPercent(height, heightField);
+    clampPercent(width, widthField);
+    clampPercent(height, heightField);
     const bool writesWidth = selected == 1 || selected == 2;
     const bool writesHeight = !square && (selected == 1 || selected == 3);
-    if (writesWidth) WritePercent(width, widthField, number);
-    if (writesHeight) WritePercent(height, heightField, number + 1);
+    if (writesWidth) writePercent(width, widthField, number);
+    if (writesHeight) writePercent(height, heightField, number + 1);
 }

@@ -14,7 +14,7 @@ class RectangleOverlayZel : public OverlayControlZel {
   public:
     RectangleOverlayZel() = default;
 
-    void Bind(int control, const ZelFloatField& widthRecord, const ZelFloatField& heightRecord) {
+    void bind(int control, const ZelFloatField& widthRecord, const ZelFloatField& heightRecord) {
         number = control, widthField = widthRecord, heightField = heightRecord;
     }
 
@@ -26,7 +26,7 @@ class RectangleOverlayZel : public OverlayControlZel {
     void HandleInteractionPlat(InterType type, float x, float y) override;
 
     // The height in frame units that is drawn: H * height, or W * width when square.
-    float DrawnHeight(float w, float h) const { return square ? w * width : h * height; }
+    float drawnHeight(float w, float h) const { return square ? w * width : h * height; }
 
     int number = 0;  // width field; height is number + 1
     ZelFloatField widthField;
@@ -42,6 +42,6 @@ class RectangleOverlayZel : public OverlayControlZel {
     int32_t square = 0;
 
   protected:
-    int HandleAt(float px, float py) const override;
-    void Drag(float px, float py) override;
+    int handleAt(float px, float py) const override;
+    void drag(float px, float py) override;
 };

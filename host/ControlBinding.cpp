@@ -79,6 +79,16 @@ float hostValue(const SparkFloatStruct& record, const ControlDescriptor& control
     return value;
 }
 
+void bindOverlayWidgets(StraightluxInfo& c, OverlayZel& surface) {
+    constexpr int kFull = 65535;
+    c.crosshair.bind(kCentreXControl.number, fieldOf(SparkFloat13), fieldOf(SparkFloat14));
+    c.crosshair.SetColour(kFull, kFull, 0, kFull);
+    c.crosshair.diagonals = 0;
+    c.crosshair.surface = &surface;
+    c.linePen.SetColour(kFull, kFull, kFull, kFull);
+    c.linePen.surface = &surface;
+}
+
 void copyHostValuesToControls(StraightluxInfo& c) {
     c.radial1.setCached(hostValue(SparkFloat6, kRadial1Control));
     c.radial2.setCached(hostValue(SparkFloat7, kRadial2Control));

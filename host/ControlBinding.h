@@ -28,6 +28,10 @@ extern ZelAuxList AuxZelList24;
 
 // Binds every control of the lens plug-in's info to its exported record.
 void bindControls(StraightluxInfo& controls);
+// Binds the viewer widgets: the centre crosshair to the centre's records 13
+// and 14 (yellow, no diagonals), the line pen (white); both draw on surface.
+class OverlayZel;
+void bindOverlayWidgets(StraightluxInfo& controls, OverlayZel& surface);
 void copyHostValuesToControls(StraightluxInfo& controls);
 
 struct ControlDescriptor;

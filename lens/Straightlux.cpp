@@ -124,3 +124,9 @@ void Straightlux::SaveControlValues() {
     saved = SavedValues{centreX,    centreY,    normScale, squeeze, radial1, radial2,
                         xCurvature, yCurvature, sampling,  magnify, mode};
 }
+
+void Straightlux::RenderOverlay() { renderStraightluxOverlay(overlayParts); }
+
+void Straightlux::HandleInteraction(InterType type, float x, float y) {
+    handleStraightluxInteraction(overlayParts, type, x, y);
+}

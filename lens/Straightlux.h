@@ -13,9 +13,11 @@
 
 #include <cstdint>
 
+#include "OverlayZel.h"
 #include "PluginZel.h"
 #include "StraightluxInfo.h"
 #include "StraightluxModel.h"
+#include "StraightluxOverlay.h"
 #include "tagDPT.h"
 
 class ControlZel;
@@ -24,10 +26,9 @@ class ImageZel;
 class PolyLine2DZel;
 class PolyLineSet2DZel;
 
-// The viewer-overlay base (OverlayZel, through which RenderOverlay and
-// HandleInteraction reach the plug-in) is added by the overlay work as the
-// second base class, after PluginZel.
-class Straightlux : public PluginZel, public StraightluxModel {
+// OverlayZel is the second base: the viewer's drawing surface, through which
+// RenderOverlay and HandleInteraction reach the plug-in.
+class Straightlux : public PluginZel, public OverlayZel, public StraightluxModel {
   public:
     Straightlux();
     // Releases the map, scratch, lines and error points; not xfm (see the definition).
@@ -39,8 +40,11 @@ class Straightlux : public PluginZel, public StraightluxModel {
     // The host binding syncs the controls itself; nothing to push back.
     void SyncControls() override {}
 
-    // OVERLAY WORK: RenderOverlay() and HandleInteraction(InterType, float, float)
-    // are declared here, as the virtual operations after FrameChange.
+    // The viewer overlay: the centre crosshair or the pen cursor, the lines,
+    // the rubber band and the fit's error points; pointer events go to the
+    // crosshair ("LineEdit: No Action") or to the line pen. Overlay units.
+    void RenderOverlay() override;
+    void HandleInteraction(InterType type, float x, float y) override;
 
     // True when the address map must be rebuilt for the current model and size.
     bool ControlsChanged();
@@ -120,6 +124,11 @@ class Straightlux : public PluginZel, public StraightluxModel {
     PolyLine2DZel* currentLine = nullptr;  // the line being drawn or edited
     tagDPT2* errorPoints = nullptr;        // mapped points of the last measurement, pixels
     int32_t errorPointCount = 0;
+    float pressure = 0.0f;  // pen pressure of the last pointer event in the viewer
+    // What the overlay reads and edits; built after the members it names.
+    StraightluxOverlayParts overlayParts{
+        *this,   info.crosshair, info.linePen, info.centre.x, info.centre.y, penX,           penY,
+        newLine, lastLineEdit,   lines,        currentLine,   errorPoints,   errorPointCount};
 
   private:
     void freeErrorPoints();

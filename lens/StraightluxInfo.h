@@ -5,10 +5,12 @@
 #pragma once
 
 #include "ButtonControlZel.h"
+#include "CrosshairOverlayZel.h"
 #include "FloatControlZel.h"
 #include "ListControlZel.h"
 #include "PositionControlZel.h"
 #include "StraightluxControlTable.h"
+#include "StraightluxLinePenOverlayZel.h"
 
 // "Sampling" entries: the resampler's modes 1..5.
 enum StraightluxSampling {
@@ -44,10 +46,12 @@ static_assert(kViewControl.entryCount == kViewInput, "View entries");
 
 struct StraightluxInfo {
     // The input and output clips are the plug-in base's `input` and `output`.
-    //
-    // OVERLAY WORK: two widget members go here, before the controls: the
-    // centre crosshair (CrosshairOverlayZel, colour words 65535, enabled) and
-    // the line pen (StraightluxLinePenOverlayZel, constructed the same way).
+
+    // The viewer widgets: the distortion centre and the line pen (colour
+    // words 65535 and enabled when constructed; the viewer entry binds them
+    // and gives them their colours before every redraw).
+    CrosshairOverlayZel crosshair;
+    StraightluxLinePenOverlayZel linePen;
 
     FloatControlZel radial1;     // "Radial1", control 6
     FloatControlZel radial2;     // "Radial2", control 7

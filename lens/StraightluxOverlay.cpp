@@ -24,7 +24,7 @@ void drawLine(OverlayZel& surface, const PolyLine2DZel& line, float fw, float fh
 }
 }  // namespace
 
-void StraightluxRenderOverlay(StraightluxOverlayParts& parts) {
+void renderStraightluxOverlay(StraightluxOverlayParts& parts) {
     OverlayZel& surface = parts.surface;
     const float fw = static_cast<float>(surface.frameWidth);
     const float fh = static_cast<float>(surface.frameHeight);
@@ -78,7 +78,7 @@ void StraightluxRenderOverlay(StraightluxOverlayParts& parts) {
     surface.EndRender();
 }
 
-void StraightluxHandleInteraction(StraightluxOverlayParts& parts, InterType type, float x,
+void handleStraightluxInteraction(StraightluxOverlayParts& parts, InterType type, float x,
                                   float y) {
     // The pen may see an event before the first redraw.
     parts.pen.owner = &parts;

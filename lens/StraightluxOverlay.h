@@ -41,7 +41,7 @@ struct StraightluxOverlayParts {
 // Straightlux::RenderOverlay: the centre crosshair ("LineEdit: No Action") or
 // the pen cursor, every line with its points (newest first), the rubber band
 // while adding, and the error points in red.
-void StraightluxRenderOverlay(StraightluxOverlayParts& parts);
+void renderStraightluxOverlay(StraightluxOverlayParts& parts);
 // Straightlux::HandleInteraction: the event goes to the crosshair with
 // "LineEdit: No Action", otherwise to the line pen.
-void StraightluxHandleInteraction(StraightluxOverlayParts& parts, InterType type, float x, float y);
+void handleStraightluxInteraction(StraightluxOverlayParts& parts, InterType type, float x, float y);

@@ -90,7 +90,7 @@ TEST(OverlayWidgets, CrosshairDragClampsToTheFieldRangeInPercent) {
     Record xRecord{50, 10, 90}, yRecord{50, 0, 100};
     CrosshairOverlayZel crosshair;
     crosshair.surface = &frame.surface;
-    crosshair.Bind(13, xRecord.field(), yRecord.field());
+    crosshair.bind(13, xRecord.field(), yRecord.field());
     crosshair.x = crosshair.y = 0.5f;
     frame.surface.DrawCrosshairOverlay(&crosshair);
 
@@ -132,7 +132,7 @@ TEST(OverlayWidgets, LineRecentresOnThePointerAndItsEndClampLandsInTheStart) {
     Record startX{0, 0, 100}, startY{0, 0, 100}, endX{0, 30, 90}, endY{0, 0, 100};
     LineOverlayZel line;
     line.surface = &frame.surface;
-    line.Bind(40, startX.field(), startY.field(), 50, endX.field(), endY.field());
+    line.bind(40, startX.field(), startY.field(), 50, endX.field(), endY.field());
     line.x1 = 0.2f, line.y1 = 0.5f, line.x2 = 0.6f, line.y2 = 0.5f;
     frame.surface.DrawLineOverlay(&line);
     EXPECT_EQ(line.handleX, 80.0f);  // midpoint of (40, 50) and (120, 50)
@@ -170,7 +170,7 @@ TEST(OverlayWidgets, AngleFollowsThePointerWithTheAspectTakenOut) {
     Record angleRecord{0, -360, 360};
     AngleOverlayZel angle;
     angle.surface = &frame.surface;
-    angle.Bind(30, angleRecord.field());
+    angle.bind(30, angleRecord.field());
     angle.pivotX = 0.5f, angle.pivotY = 0.5f, angle.radius = 0.1f, angle.angle = 0.0f;
     frame.surface.DrawAngleOverlay(&angle);  // pivot (100, 50), end (120, 50)
     EXPECT_FLOAT_EQ(angle.handleX, 120.0f);
@@ -212,7 +212,7 @@ TEST(OverlayWidgets, CircleHandlesResizeWithWidthBasedHeightAndLockKeepsOnlyTheW
     Record widthRecord{20, 0, 100}, heightRecord{10, 0, 100};
     CircleOverlayZel circle;
     circle.surface = &frame.surface;
-    circle.Bind(60, widthRecord.field(), 61, heightRecord.field());
+    circle.bind(60, widthRecord.field(), 61, heightRecord.field());
     circle.centreX = 0.5f, circle.centreY = 0.5f, circle.width = 0.2f, circle.height = 0.1f;
     circle.locked = 1;
     frame.surface.DrawCircleOverlay(&circle);  // 40 x 20 about (100, 50)
@@ -278,7 +278,7 @@ TEST(OverlayWidgets, RectangleCornerAndSideHandlesAndTheSquareFlag) {
     Record widthRecord{20, 0, 100}, heightRecord{20, 0, 100};
     RectangleOverlayZel rect;
     rect.surface = &frame.surface;
-    rect.Bind(70, widthRecord.field(), heightRecord.field());
+    rect.bind(70, widthRecord.field(), heightRecord.field());
     rect.centreX = 0.5f, rect.centreY = 0.5f, rect.width = 0.2f, rect.height = 0.2f;
     frame.surface.DrawRectangleOverlay(&rect);  // 40 x 20 about (100, 50)
     const float handles[3][2] = {{120, 60}, {120, 50}, {100, 60}};
@@ -332,7 +332,7 @@ TEST(OverlayWidgets, WithoutAFrameEventsChangeNothing) {
     OverlayZel empty;  // no frame size yet
     Record xRecord{50, 0, 100}, yRecord{50, 0, 100};
     CrosshairOverlayZel crosshair;
-    crosshair.Bind(13, xRecord.field(), yRecord.field());
+    crosshair.bind(13, xRecord.field(), yRecord.field());
     crosshair.x = crosshair.y = 0.5f;
     startRecording();
     crosshair.HandleInteraction(INTER_PRESS, 0, 0);  // no surface at all

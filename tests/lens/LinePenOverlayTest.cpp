@@ -54,7 +54,7 @@ struct Rig {
         lastLineEdit = value;
     }
     void event(InterType type, float x, float y) {
-        StraightluxHandleInteraction(parts, type, x, y);
+        handleStraightluxInteraction(parts, type, x, y);
     }
     void click(float x, float y) {
         event(INTER_PRESS, x, y);
@@ -201,10 +201,10 @@ TEST(LinePenOverlay, DeletionsActOnReleaseOnlyOnAPointOfThePickedLine) {
 TEST(LinePenOverlay, NoActionMovesTheCentreCrosshairAndDrawsNoPen) {
     Rig rig;
     float xValue = 50, xMin = 0, xMax = 100, yValue = 50, yMin = 0, yMax = 100;
-    rig.crosshair.Bind(13, {&xValue, &xMin, &xMax}, {&yValue, &yMin, &yMax});
+    rig.crosshair.bind(13, {&xValue, &xMin, &xMax}, {&yValue, &yMin, &yMax});
     rig.centreX = 0.25;
     rig.centreY = 0.5;
-    StraightluxRenderOverlay(rig.parts);
+    renderStraightluxOverlay(rig.parts);
     // The crosshair (four arms) and its handle at the centre; no pen cursor.
     ASSERT_EQ(primitives().size(), 5u);
     EXPECT_EQ(primitives()[0].vertices[0].x, 260.0f);  // 250 + 10
@@ -231,7 +231,7 @@ TEST(LinePenOverlay, RedrawDrawsPenLinesRubberBandAndErrorPoints) {
     rig.errorPointCount = 2;
 
     startRecording();
-    StraightluxRenderOverlay(rig.parts);
+    renderStraightluxOverlay(rig.parts);
     const std::vector<Primitive>& p = primitives();
     // Pen cross, 50 units each way; one segment with its two handles;
     // rubber band to the pen; two red error handles where they stand.
@@ -264,7 +264,7 @@ TEST(LinePenOverlay, RedrawDrawsPenLinesRubberBandAndErrorPoints) {
     rig.errorPointCount = 0;
     rig.set.head->delete_point(1);
     startRecording();
-    StraightluxRenderOverlay(rig.parts);
+    renderStraightluxOverlay(rig.parts);
     ASSERT_EQ(primitives().size(), 2u + 1u);
     EXPECT_EQ(primitives()[2].mode, kPolygon);
     EXPECT_FLOAT_EQ(primitives()[2].colour[2], 1.0f);
