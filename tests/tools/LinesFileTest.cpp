@@ -1,0 +1,68 @@
+// The lines file of sparkrun: what it accepts, and the position it names for
+// each kind of fault.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "LinesFile.h"
+
+namespace {
+
+std::string faultOf(const std::string& text) {
+    LinesFile lines;
+    std::string error;
+    if (parseLinesText(text, lines, error)) return "<accepted>";
+    return error;
+}
+
+}  // namespace
+
+TEST(LinesFile, ReadsLinesOfPointsInFileOrder) {
+    LinesFile lines;
+    std::string error;
+    ASSERT_TRUE(parseLinesText(
+        " {\n \"lines\" : [ [[1, 2.5], [3e1, -0.25]],\n[[0,0],[1,1],[2,2]] ] }\n", lines, error))
+        << error;
+    ASSERT_EQ(lines.lines.size(), 2u);
+    EXPECT_EQ(lines.lines[0][1].x, 30.0);
+    EXPECT_EQ(lines.lines[0][1].y, -0.25);
+    EXPECT_EQ(lines.lines[1].size(), 3u);
+    EXPECT_TRUE(parseLinesText("{\"lines\": []}", lines, error));
+    EXPECT_TRUE(lines.lines.empty());
+}
+
+TEST(LinesFile, FaultsNameTheirLineAndColumn) {
+    EXPECT_EQ(faultOf(""), "line 1, column 1: the file must start with '{' (the text ends here)");
+    EXPECT_EQ(faultOf("{\"lines\": [[[1, 2], [3, 4]]"),
+              "line 1, column 28: expected ',' or ']' (the text ends here)");
+    EXPECT_EQ(faultOf("{\"lines\": [[[1, 2], [3, 4]]]}\nx"),
+              "line 2, column 1: unexpected text after the closing '}'");
+    EXPECT_EQ(faultOf("{\"lines\":\n  [[[1, 2, 3], [3, 4]]]}"),
+              "line 2, column 10: a point has exactly two numbers: expected ']'");
+    EXPECT_EQ(faultOf("{\"lines\": [[[1, 2]]]}"),
+              "line 1, column 12: a line needs at least two points; this one has one");
+    EXPECT_EQ(faultOf("{\"lines\": [[]]}"),
+              "line 1, column 12: a line needs at least two points; this one is empty");
+    EXPECT_EQ(faultOf("{\"lines\": [[[1, \"2\"], [3, 4]]]}"),
+              "line 1, column 17: expected a number");
+    EXPECT_EQ(faultOf("{\"lines\": [[[1, 1e999], [3, 4]]]}"),
+              "line 1, column 17: number out of range: 1e999");
+    EXPECT_EQ(faultOf("{\"points\": []}"), "line 1, column 11: unknown member \"points\"");
+    EXPECT_EQ(faultOf("{}"), "line 1, column 3: no \"lines\" member");
+    EXPECT_EQ(faultOf("{\"lines\": {}}"), "line 1, column 11: \"lines\" must be a list of lines");
+    EXPECT_EQ(faultOf("{\"lines\": [NaN]}"),
+              "line 1, column 12: expected a line: a list of points [[x, y], ...]");
+}
+
+TEST(LinesFile, PointsMustLieOnTheFrame) {
+    LinesFile lines;
+    std::string error;
+    ASSERT_TRUE(parseLinesText("{\"lines\": [[[-0.5, -0.5], [9.5, 4.5]]]}", lines, error));
+    EXPECT_TRUE(checkLinesInFrame(lines, 10, 5, error)) << error;
+    ASSERT_TRUE(
+        parseLinesText("{\"lines\": [[[0, 0], [1, 1]], [[2, 2], [9.6, 1]]]}", lines, error));
+    EXPECT_FALSE(checkLinesInFrame(lines, 10, 5, error));
+    EXPECT_EQ(
+        error,
+        "line 2, point 2 (9.6, 1) lies outside the 10x5 frame (x -0.5 to 9.5, y -0.5 to 4.5)");
+}
