@@ -265,3 +265,19 @@ bool checkLinesInFrame(const LinesFile& lines, int width, int height, std::strin
     }
     return true;
 }
+
+std::string formatLinesText(const LinesFile& lines) {
+    std::string text = "{\"lines\": [";
+    for (std::size_t l = 0; l < lines.lines.size(); ++l) {
+        text += l == 0 ? "\n  [" : ",\n  [";
+        for (std::size_t p = 0; p < lines.lines[l].size(); ++p) {
+            char point[96];
+            std::snprintf(point, sizeof point, "%s[%.3f, %.3f]", p == 0 ? "" : ", ",
+                          lines.lines[l][p].x, lines.lines[l][p].y);
+            text += point;
+        }
+        text += "]";
+    }
+    text += lines.lines.empty() ? "]}\n" : "\n]}\n";
+    return text;
+}

@@ -30,3 +30,6 @@ bool readLinesFile(const std::string& path, LinesFile& out, std::string& error);
 // to width - 0.5, y from -0.5 to height - 0.5. False with the first point
 // outside (line and point numbered from 1).
 bool checkLinesInFrame(const LinesFile& lines, int width, int height, std::string& error);
+
+// The text of a lines file holding these lines (points with up to 3 decimals).
+std::string formatLinesText(const LinesFile& lines);
