@@ -271,7 +271,8 @@ std::string formatLinesText(const LinesFile& lines) {
     for (std::size_t l = 0; l < lines.lines.size(); ++l) {
         text += l == 0 ? "\n  [" : ",\n  [";
         for (std::size_t p = 0; p < lines.lines[l].size(); ++p) {
-            char point[96];
+            // Room for the widest double in fixed notation (about 310 digits).
+            char point[800];
             std::snprintf(point, sizeof point, "%s[%.3f, %.3f]", p == 0 ? "" : ", ",
                           lines.lines[l][p].x, lines.lines[l][p].y);
             text += point;
