@@ -1,6 +1,8 @@
 #include <cstring>
 
 #include "ImageZel.h"
+#include "ZelBand.h"
+#include "ZelBlendRows.h"
 
 namespace {
 
@@ -87,21 +89,12 @@ void ImageZel::CopyValues(ImageZel* src, float kr, float kg, float kb, float ka)
     }
 }
 
+// Rows in bands over the host's processors; each band blends its own rows.
 void ImageZel::InBlend(float amount, ImageZel* other) {
     if (other == nullptr) return;
     const float keep = 1.0f - amount;
-    // this := other * amount + this * (1 - amount), truncated, stored as 16 bits.
-    auto mix = [amount, keep](unsigned short o, unsigned short t) {
-        return static_cast<unsigned short>(static_cast<int>(o * amount + t * keep));
-    };
-    for (int y = 0; y < height; ++y) {
-        PixelZel* row = rows[y];
-        const PixelZel* from = other->rows[y];
-        for (int x = 0; x < width; ++x) {
-            row[x].red = mix(from[x].red, row[x].red);
-            row[x].green = mix(from[x].green, row[x].green);
-            row[x].blue = mix(from[x].blue, row[x].blue);
-            row[x].alpha = mix(from[x].alpha, row[x].alpha);
-        }
-    }
+    zelForEachBand(height, [this, other, amount, keep](long first, long last) {
+        for (long y = first; y <= last; ++y)
+            zelBlendRow(rows[y], other->rows[y], width, amount, keep);
+    });
 }
