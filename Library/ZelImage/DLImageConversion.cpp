@@ -6,6 +6,7 @@
 #include "DLImageRows.h"
 #include "DLPixelFormulas.h"
 #include "ImageZel.h"
+#include "ZelBand.h"
 
 namespace {
 
@@ -64,12 +65,14 @@ ImageZel* ConvertFromDLImage8(unsigned char* buffer, long width, long height, do
     if (buffer == nullptr) return nullptr;
     ImageZel* image = prepareImage(width, height, aspect, factor, reuse);
     if (image == nullptr || copyPixels == 0) return image;
-    if (factor == 1) {
-        dlCopyRows8(buffer, width, image, 0, height - 1);
-    } else {
-        dlCopyRowsSampled8(buffer, width, height, factor, kDLAlphaFull, image, 0,
-                           image->height - 1);
-    }
+    // Full resolution fills the host's rows, sub-sampled the image's.
+    zelForEachBand(factor == 1 ? height : image->height, [=](long first, long last) {
+        if (factor == 1) {
+            dlCopyRows8(buffer, width, image, first, last);
+        } else {
+            dlCopyRowsSampled8(buffer, width, height, factor, kDLAlphaFull, image, first, last);
+        }
+    });
     return image;
 }
 
@@ -79,23 +82,34 @@ ImageZel* ConvertFromDLImage12(unsigned short* buffer, long width, long height, 
     if (buffer == nullptr) return nullptr;
     ImageZel* image = prepareImage(width, height, aspect, factor, reuse);
     if (image == nullptr || copyPixels == 0) return image;
-    if (factor == 1) {
-        dlCopyRows12(buffer, width, image, 0, height - 1);
-    } else {
-        // Sub-sampled 12-bit pixels get alpha 65535, unlike every other path; kept.
-        dlCopyRowsSampled12(buffer, width, height, factor, kDLAlphaSubSampled12, image, 0,
-                            image->height - 1);
-    }
+    // Full resolution fills the host's rows, sub-sampled the image's.
+    zelForEachBand(factor == 1 ? height : image->height, [=](long first, long last) {
+        if (factor == 1) {
+            dlCopyRows12(buffer, width, image, first, last);
+        } else {
+            // Sub-sampled 12-bit pixels get alpha 65535, unlike every other path; kept.
+            dlCopyRowsSampled12(buffer, width, height, factor, kDLAlphaSubSampled12, image, first,
+                                last);
+        }
+    });
     return image;
+}
+
+long DLImageSide(long hostSide, int factor) {
+    factor = dlEffectiveFactor(factor);
+    return factor == 1 ? hostSide : sampledSize(hostSide, factor);
 }
 
 void ConvertToDLImage8(ImageZel* image, unsigned char* buffer, int width, int height, int factor) {
     factor = dlEffectiveFactor(factor);
     if (buffer == nullptr || image == nullptr) return;
     if (factor == 1) {
-        dlPasteRows8(image, buffer, 0, image->height - 1);
+        zelForEachBand(image->height,
+                       [=](long first, long last) { dlPasteRows8(image, buffer, first, last); });
     } else {
-        dlPasteRowsReplicated8(image, buffer, width, factor, 0, height - 1);
+        zelForEachBand(height, [=](long first, long last) {
+            dlPasteRowsReplicated8(image, buffer, width, factor, first, last);
+        });
     }
 }
 
@@ -105,21 +119,26 @@ void ConvertToDLImage12(ImageZel* image, unsigned short* buffer, int width, int 
         std::puts("Truncating 12bit image to 10 bits.");
         if (image != nullptr) {
             // The image itself keeps the masked values.
-            for (int y = 0; y < image->height; ++y) {
-                PixelZel* row = image->rows[y];
-                for (int x = 0; x < image->width; ++x) {
-                    row[x].red &= kDLTruncate10Mask;
-                    row[x].green &= kDLTruncate10Mask;
-                    row[x].blue &= kDLTruncate10Mask;
+            zelForEachBand(image->height, [image](long first, long last) {
+                for (long y = first; y <= last; ++y) {
+                    PixelZel* row = image->rows[y];
+                    for (int x = 0; x < image->width; ++x) {
+                        row[x].red &= kDLTruncate10Mask;
+                        row[x].green &= kDLTruncate10Mask;
+                        row[x].blue &= kDLTruncate10Mask;
+                    }
                 }
-            }
+            });
         }
     }
     factor = dlEffectiveFactor(factor);
     if (buffer == nullptr || image == nullptr) return;
     if (factor == 1) {
-        dlPasteRows12(image, buffer, 0, image->height - 1);
+        zelForEachBand(image->height,
+                       [=](long first, long last) { dlPasteRows12(image, buffer, first, last); });
     } else {
-        dlPasteRowsReplicated12(image, buffer, width, factor, 0, height - 1);
+        zelForEachBand(height, [=](long first, long last) {
+            dlPasteRowsReplicated12(image, buffer, width, factor, first, last);
+        });
     }
 }
