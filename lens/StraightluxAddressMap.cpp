@@ -1,11 +1,14 @@
 // The address map: for every output pixel the input position to sample, two
 // floats (x, y) in pixels per entry, row-major over the frame.
+#include <atomic>
 #include <cstddef>
 #include <new>
 
 #include "ImageZel.h"
 #include "Straightlux.h"
+#include "StraightluxMapRows.h"
 #include "StraightluxSource.h"
+#include "ZelBand.h"
 #include "zel_heap.h"
 
 namespace {
@@ -46,33 +49,23 @@ void Straightlux::ComputeAddressMap(bool add) {
     savedWidth = width;
     savedHeight = height;
 
-    float* entry = addressMap;
+    // The rows are filled in bands over the host's processors; each band
+    // writes its own rows and counts its own corrections, and the counts are
+    // whole numbers, so their sum is the one-thread sum in any order.
+    float* map = addressMap;
+    const int32_t mapWidth = width;
     if (!add) {
-        // Remove: output (i, j) shows the input point that the model carries to (i, j).
-        iterationTotal = 0.0;
-        for (int32_t j = 0; j < height; ++j) {
-            for (int32_t i = 0; i < width; ++i, entry += 2) {
-                tagDPT2 source = {0.0, 0.0};
-                if (MapDistortedToUndistorted(
-                        tagDPT2{static_cast<double>(i), static_cast<double>(j)}, source) < 0) {
-                    // A failed inverse samples the top-left pixel.
-                    source = tagDPT2{0.0, 0.0};
-                }
-                entry[0] = static_cast<float>(source.x);
-                entry[1] = static_cast<float>(source.y);
-            }
-        }
+        const InversePlan plan = makeInversePlan();
+        std::atomic<int64_t> corrections{0};
+        zelForEachBand(height, [&](long first, long last) {
+            corrections += fillRemoveRows(plan, mapWidth, map, first, last);
+        });
         // The mean number of Newton corrections per pixel.
-        iterationTotal /= static_cast<double>(entries);
+        iterationTotal = static_cast<double>(corrections.load()) / static_cast<double>(entries);
         return;
     }
 
-    // Add: output (i, j) shows the input at the model's image of (i, j).
     const FloatCoefficients c = makeFloatCoefficients();
-    for (int32_t j = 0; j < height; ++j) {
-        for (int32_t i = 0; i < width; ++i, entry += 2) {
-            mapUndistortedToDistortedFloat(c, static_cast<float>(i), static_cast<float>(j),
-                                           entry[0], entry[1]);
-        }
-    }
+    zelForEachBand(height,
+                   [&](long first, long last) { fillAddRows(c, mapWidth, map, first, last); });
 }

@@ -28,6 +28,23 @@ class StraightluxModel {
         float R, inverseR, centreX, centreY, k1, k2, A, a, b, B;
     };
 
+    // Everything of the inverse that does not depend on the point: R, the
+    // coefficients and the constant factors of the seed and of the Jacobian,
+    // each computed once exactly as a single call computes it (the same
+    // operations in the same order), so that a whole map runs only the
+    // per-point solve. A plan is only read, so bands may solve at once.
+    struct InversePlan {
+        double R, inverseR;
+        double centreX, centreY;
+        double k1, k2, A, a, B;
+        double b;  // the single-precision k2 / squeeze, widened
+        // Seed: the u⁴, u²v², v⁴ factors of pu and of pv.
+        double puU4, puU2V2, puV4;
+        double pvU4, pvU2V2, pvV4;
+        // Jacobian: 3·k1, 2·A, 4·k2, 2·a, 4·b, 3·B.
+        double jxxP2, jxyPQ, jxyMixed, jyxPQ, jyxMixed, jyyQ2;
+    };
+
     void MapUndistortedToDistorted(tagDPT2 in, tagDPT2& out) const;
     // 0…49 on success; kInverseSingular leaves `out` untouched; kInverseNotConverged
     // writes the last iterate. Adds the corrections made to iterationTotal.
@@ -37,6 +54,12 @@ class StraightluxModel {
     // Inverse of the forward Jacobian at the normalised point; false (nothing written) if singular.
     bool FindInverseDerivativesMatrix(double& pu, double& pv, double& i00, double& i01, double& i10,
                                       double& i11) const;
+
+    InversePlan makeInversePlan() const;
+    // MapDistortedToUndistorted with a plan: the same status and output, and
+    // the corrections made in `corrections` instead of added to iterationTotal.
+    static int32_t solveInverse(const InversePlan& plan, tagDPT2 in, tagDPT2& out,
+                                int32_t& corrections);
 
     FloatCoefficients makeFloatCoefficients() const;
     // The same formula as MapUndistortedToDistorted, evaluated in single precision.
