@@ -99,6 +99,10 @@ class ImageXfmZel {
     PixelZel sample_image(ImageZel* img, double x, double y, double rx, double ry);
     PixelZel sample_image(ImageZel& img, double x, double y, double rx, double ry);
     PixelZel sample_down(ImageZel* img, double x, double y, double rx, double ry);
+    // Rows firstRow..lastRow of dst from an address map (XfmMapSample.cpp):
+    // pixel (i, j) := sample(src, x, y) with (x, y) the two floats of map
+    // entry j * dst width + i. Bands of rows may run at once.
+    void sample_map(ImageZel* src, const float* map, ImageZel* dst, int firstRow, int lastRow);
     PixelZel triangle_sample_down(ImageZel* img, double x, double y, double rx, double ry);
 
     // Scaling (XfmScale.cpp): 1 on success, 0 on failure.

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "ImageXfmZel.h"
+#include "XfmPointRuns.h"
 
 namespace {
 
@@ -40,16 +41,33 @@ void ImageXfmZel::apply(ImageZel* src, ImageZel* dst, int firstRow, int lastRow)
     firstRow = std::max(firstRow, 0);
     lastRow = std::min(lastRow, dst->height - 1);
     const bool shrinking = rx > 1.0 || ry > 1.0;
+    if (shrinking) {
+        const bool area = usesAreaFilter(mode);
+        for (int y = firstRow; y <= lastRow; ++y) {
+            PixelZel* out = dst->rows[y];
+            for (int x = 0; x < dst->width; ++x) {
+                const double sx = (a * x + c * y + e) * r;
+                const double sy = (b * x + d * y + f) * r;
+                out[x] =
+                    area ? triangle_sample_down(src, sx, sy, rx, ry) : nearest_sample(src, sx, sy);
+            }
+        }
+        return;
+    }
+    // The point path: positions a chunk at a time, sampled as sample() would.
+    XfmPointRun run(*this, src);
+    double xs[kXfmRunChunk];
+    double ys[kXfmRunChunk];
     for (int y = firstRow; y <= lastRow; ++y) {
         PixelZel* out = dst->rows[y];
-        for (int x = 0; x < dst->width; ++x) {
-            const double sx = (a * x + c * y + e) * r;
-            const double sy = (b * x + d * y + f) * r;
-            if (shrinking)
-                out[x] = usesAreaFilter(mode) ? triangle_sample_down(src, sx, sy, rx, ry)
-                                              : nearest_sample(src, sx, sy);
-            else
-                out[x] = sample(src, sx, sy);
+        for (int x0 = 0; x0 < dst->width; x0 += kXfmRunChunk) {
+            const int count = std::min(kXfmRunChunk, dst->width - x0);
+            for (int k = 0; k < count; ++k) {
+                const int x = x0 + k;
+                xs[k] = (a * x + c * y + e) * r;
+                ys[k] = (b * x + d * y + f) * r;
+            }
+            run.sample(xs, ys, count, out + x0);
         }
     }
 }

@@ -6,14 +6,13 @@
 #include "ImageZel.h"
 #include "PolyLineSet2DZel.h"
 #include "StraightluxSource.h"
+#include "ZelBand.h"
 #include "zel_heap.h"
 
 namespace {
 
 // A magnification within this distance of 1 is treated as exactly 1: no pass.
 constexpr double kMagnifyDeadBand = 0.01;
-// Footprint radius handed to the resampler: at most 1 keeps it on the point path.
-constexpr double kPointFootprint = 0.5;
 // set_transform: invert the composed matrix.
 constexpr int kInvertTransform = 1;
 constexpr float kUnitGain = 1.0f;
@@ -74,33 +73,43 @@ void Straightlux::ProcessFrame() {
     if (addressMap == nullptr || ControlsChanged()) ComputeAddressMap(mode == kModeAdd);
 
     if (addressMap != nullptr && xfm != nullptr && scratch != nullptr) {
-        xfm->reset();
-        xfm->sampleMode(sampling);
-        // Output pixel (i, j) shows the input at map entry j * width + i.
-        const float* entry = addressMap;
-        for (int32_t j = 0; j < height; ++j) {
-            PixelZel* row = out->rows[j];
-            for (int32_t i = 0; i < width; ++i, entry += 2) {
-                row[i] =
-                    xfm->sample_image(*in, entry[0], entry[1], kPointFootprint, kPointFootprint);
-            }
-        }
-
+        // A magnify within the dead band of 1 is treated as exactly 1: no pass.
         if (std::fabs(static_cast<double>(magnify) - 1.0) > kMagnifyDeadBand) {
-            // Zoom about the frame centre: read from the right, the steps move the
-            // centre to the origin, scale, and move it back.
-            xfm->reset();
-            xfm->sampleMode(sampling);
-            xfm->translate(kHalf * width, kHalf * height);
-            xfm->scale(magnify, magnify);
-            xfm->translate(-kHalf * width, -kHalf * height);
-            xfm->set_transform(kInvertTransform);
-            xfm->apply(*out, *scratch, 0, height - 1);
-            out->CopyValues(scratch, kUnitGain, kUnitGain, kUnitGain, kUnitGain);
+            // Resampled into scratch and magnified into the output: the same
+            // bytes as resampling into the output, magnifying into scratch and
+            // copying that back, one copy of the frame fewer.
+            resamplePass(*in, *scratch);
+            magnifyPass(*scratch, *out);
+        } else {
+            resamplePass(*in, *out);
         }
     }
 
     SaveControlValues();
+}
+
+// Output pixel (i, j) shows the input at map entry j * width + i; the rows
+// run in bands over the host's processors.
+void Straightlux::resamplePass(ImageZel& in, ImageZel& to) {
+    xfm->reset();
+    xfm->sampleMode(sampling);
+    zelForEachBand(height, [this, &in, &to](long first, long last) {
+        xfm->sample_map(&in, addressMap, &to, static_cast<int>(first), static_cast<int>(last));
+    });
+}
+
+// Zoom about the frame centre: read from the right, the steps move the centre
+// to the origin, scale, and move it back. Bands of output rows.
+void Straightlux::magnifyPass(ImageZel& from, ImageZel& to) {
+    xfm->reset();
+    xfm->sampleMode(sampling);
+    xfm->translate(kHalf * width, kHalf * height);
+    xfm->scale(magnify, magnify);
+    xfm->translate(-kHalf * width, -kHalf * height);
+    xfm->set_transform(kInvertTransform);
+    zelForEachBand(height, [this, &from, &to](long first, long last) {
+        xfm->apply(from, to, static_cast<int>(first), static_cast<int>(last));
+    });
 }
 
 // The tests run in this order and stop at the first difference. Sampling and

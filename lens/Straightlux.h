@@ -52,6 +52,11 @@ class Straightlux : public PluginZel, public OverlayZel, public StraightluxModel
     // Fills the map for the current model: Remove (add false) through the
     // inverse model, Add through the single-precision forward model.
     void ComputeAddressMap(bool add);
+    // The two passes of a frame, each in bands of rows over the host's
+    // processors: the map resample of `in` into `to`, and the magnify pass
+    // of `from` into `to` about the frame centre.
+    void resamplePass(ImageZel& in, ImageZel& to);
+    void magnifyPass(ImageZel& from, ImageZel& to);
 
     // The lens fields a reset puts back to their defaults (the control table's).
     enum class LensField {
