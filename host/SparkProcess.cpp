@@ -1,12 +1,12 @@
 // The frame driver: one host request becomes one call of the plug-in's
 // ProcessFrame on images converted from and back into the host's buffers.
 #include <cstdio>
-#include <memory>
 
 #include "BuildInfo.h"
 #include "ControlBinding.h"
 #include "DLImageConversion.h"
 #include "EntryGuard.h"
+#include "FrameImages.h"
 #include "HostBindingGlobals.h"
 #include "ImageZel.h"
 #include "PluginInstance.h"
@@ -32,13 +32,23 @@ int proxyFactor(int selector) {
     return kProxyFactors[selector];
 }
 
-ImageZel* convertFromHost(const SparkMemBufStruct& buffer, double aspect, int factor, int copy) {
+// The picture of a role converted from its host buffer, reusing the one kept
+// from the last frame when it has the right size; the holder keeps the result.
+ImageZel* convertFromHost(FrameImages::Role role, const SparkMemBufStruct& buffer, double aspect,
+                          int factor, int copy) {
+    FrameImages& images = frameImages();
+    ImageZel* reuse =
+        images.reusable(role, DLImageSide(DLwidth, factor), DLImageSide(DLheight, factor));
+    ImageZel* image = nullptr;
     if (deep12) {
-        return ConvertFromDLImage12(reinterpret_cast<unsigned short*>(buffer.Buffer), DLwidth,
-                                    DLheight, aspect, factor, nullptr, copy);
+        image = ConvertFromDLImage12(reinterpret_cast<unsigned short*>(buffer.Buffer), DLwidth,
+                                     DLheight, aspect, factor, reuse, copy);
+    } else {
+        image = ConvertFromDLImage8(reinterpret_cast<unsigned char*>(buffer.Buffer), DLwidth,
+                                    DLheight, aspect, factor, reuse, copy);
     }
-    return ConvertFromDLImage8(reinterpret_cast<unsigned char*>(buffer.Buffer), DLwidth, DLheight,
-                               aspect, factor, nullptr, copy);
+    images.keep(role, image);
+    return image;
 }
 
 void convertToHost(ImageZel* image, const SparkMemBufStruct& buffer, int factor) {
@@ -53,8 +63,8 @@ void convertToHost(ImageZel* image, const SparkMemBufStruct& buffer, int factor)
 
 // A frame whose pictures could not be made is refused: the user is told, and
 // the host gets no frame rather than a wrong one.
-unsigned long* refuseFrame(ImageZel* input) {
-    delete input;
+unsigned long* refuseFrame() {
+    frameImages().releaseAll();
     Instance.input.image = nullptr;
     Instance.output.image = nullptr;
     reportEntryFailure("not enough memory for the frame");
@@ -91,24 +101,19 @@ unsigned long* processFrame(const SparkInfoStruct& info) {
     SourceZel& input = Instance.input;
     input.clipIndex = SourceIDInput - 2;
     input.deep12 = static_cast<char>(deep12);
-    input.image = convertFromHost(SourceBufInput, aspect, factor, kCopyPixels);
+    input.image = convertFromHost(FrameImages::kInput, SourceBufInput, aspect, factor, kCopyPixels);
     // No temporary buffers are asked for, so random frame access reports that.
     input.tempBufferCount = 0;
     input.tempBuffers = nullptr;
 
-    // On failure the input image is left alive behind the stale descriptor
-    // pointer: a deliberate leak of this path.
+    // On failure the input image is left alive behind the descriptor
+    // pointer, deliberately (it stays kept for the next frame).
     if (!sparkMemGetBuffer(ResultIDOutput, &ResultBufOutput)) return nullptr;
     ResultZel& output = Instance.output;
-    output.image = convertFromHost(ResultBufOutput, aspect, factor, kLeavePixels);
-    if (SourceBufInput.Buffer != nullptr && input.image == nullptr) return refuseFrame(nullptr);
-    if (ResultBufOutput.Buffer != nullptr && output.image == nullptr) {
-        return refuseFrame(input.image);
-    }
-
-    // Owned here from now on, so that a failure inside the plug-in frees them.
-    std::unique_ptr<ImageZel> inputImage(input.image);
-    std::unique_ptr<ImageZel> outputImage(output.image);
+    output.image =
+        convertFromHost(FrameImages::kOutput, ResultBufOutput, aspect, factor, kLeavePixels);
+    if (SourceBufInput.Buffer != nullptr && input.image == nullptr) return refuseFrame();
+    if (ResultBufOutput.Buffer != nullptr && output.image == nullptr) return refuseFrame();
 
     copyHostValuesToControls(Instance.info);
     if (DL_Sync_Ctrl == 1) {
@@ -123,10 +128,8 @@ unsigned long* processFrame(const SparkInfoStruct& info) {
         output.image->InBlend(blend, input.image);
     }
 
-    // The descriptors keep their (now stale) image pointers until the next frame.
-    inputImage.reset();
-    convertToHost(outputImage.get(), ResultBufOutput, factor);
-    outputImage.reset();
+    // Both pictures stay kept for the next frame; the descriptors point at them.
+    convertToHost(output.image, ResultBufOutput, factor);
     sparkViewingCursor(kCursorNormal);
     return ResultBufOutput.Buffer;
 }

@@ -18,6 +18,11 @@ ImageZel* ConvertFromDLImage8(unsigned char* buffer, long width, long height, do
 ImageZel* ConvertFromDLImage12(unsigned short* buffer, long width, long height, double aspect,
                                int factor, ImageZel* reuse, int copyPixels);
 
+// The side of the picture made from a host side at a proxy factor: the side
+// itself at factor 1 (or below), else side / factor rounded up to an even
+// number, at least 2. A picture to reuse must have these sides.
+long DLImageSide(long hostSide, int factor);
+
 // width and height are the host frame's; a null buffer does nothing.
 void ConvertToDLImage8(ImageZel* image, unsigned char* buffer, int width, int height, int factor);
 // truncate != 0 first masks the image's colour channels to 10 significant bits.
