@@ -9,8 +9,14 @@ constexpr int kFar = 2 * kXfmKernelSteps;  // table index of distance 2
 constexpr int32_t kInt16Min = -32768;
 constexpr int32_t kInt16Max = 32767;
 constexpr uint32_t kChannelOffset = 32768;  // unsigned channel - this = signed 16-bit channel
+constexpr uint32_t kLowHalf = 0xFFFF;
+constexpr int kHalfBits = 16;
 
 bool fitsInt16(int32_t w) { return w >= kInt16Min && w <= kInt16Max; }
+
+uint32_t pair(int32_t low, int32_t high) {
+    return (static_cast<uint32_t>(low) & kLowHalf) | (static_cast<uint32_t>(high) << kHalfBits);
+}
 
 // False when some kernel entry does not fit in 16 bits: the AVX2 form cannot take it.
 bool fillFivePointTable(const int32_t* K, XfmFivePointTable& table) {
@@ -20,16 +26,13 @@ bool fillFivePointTable(const int32_t* K, XfmFivePointTable& table) {
     for (int f = 0; f < kXfmKernelSteps; ++f) {
         // Taps -1, 0, +1, +2 of the plain sampler's tapWeights.
         const int32_t w[4] = {K[kMid + f], K[f], K[kMid - f], K[kFar - f]};
-        for (int k = 0; k < 8; k += 2) {
-            table.pairs[f][k] = static_cast<int16_t>(w[0]);
-            table.pairs[f][k + 1] = static_cast<int16_t>(w[1]);
-            table.pairs[f][8 + k] = static_cast<int16_t>(w[2]);
-            table.pairs[f][8 + k + 1] = static_cast<int16_t>(w[3]);
-        }
-        // Sums wrap as the 32-bit sums of the plain sampler do.
-        table.offsetSum[f] =
-            kChannelOffset * (static_cast<uint32_t>(w[0]) + static_cast<uint32_t>(w[1]) +
-                              static_cast<uint32_t>(w[2]) + static_cast<uint32_t>(w[3]));
+        XfmFivePointTable::Entry& e = table.across[f];
+        e.leftPair = pair(w[0], w[1]);
+        e.rightPair = pair(w[2], w[3]);
+        e.offsetSum = kChannelOffset * (static_cast<uint32_t>(w[0]) + static_cast<uint32_t>(w[1]) +
+                                        static_cast<uint32_t>(w[2]) + static_cast<uint32_t>(w[3]));
+        e.unused = 0;
+        for (int r = 0; r < 4; ++r) table.down[f][r] = w[r];
     }
     return true;
 }
@@ -52,10 +55,22 @@ XfmPointRun::XfmPointRun(ImageXfmZel& xfm, ImageZel* img) : xfm_(xfm), img_(img)
 #endif
 }
 
-void XfmPointRun::sample(const double* xs, const double* ys, int count, PixelZel* out) {
+void XfmPointRun::sample(const XfmMapPositions& at, int count, PixelZel* out) {
 #if ZEL_AVX2_FORMS
-    if (path_ == kFivePointAvx2) return xfmFivePointRunAvx2(xfm_, table_, img_, xs, ys, count, out);
-    if (path_ == kBilinearAvx2) return xfmBilinearRunAvx2(xfm_, img_, xs, ys, count, out);
+    if (path_ == kFivePointAvx2) return xfmFivePointRunAvx2(xfm_, table_, img_, at, count, out);
+    if (path_ == kBilinearAvx2) return xfmBilinearRunAvx2(xfm_, img_, at, count, out);
 #endif
-    for (int k = 0; k < count; ++k) out[k] = xfm_.sample(img_, xs[k], ys[k]);
+    for (int k = 0; k < count; ++k) out[k] = xfm_.sample(img_, at.xy[2 * k], at.xy[2 * k + 1]);
+}
+
+void XfmPointRun::sample(const XfmAffinePositions& at, int count, PixelZel* out) {
+#if ZEL_AVX2_FORMS
+    if (path_ == kFivePointAvx2) return xfmFivePointRunAvx2(xfm_, table_, img_, at, count, out);
+    if (path_ == kBilinearAvx2) return xfmBilinearRunAvx2(xfm_, img_, at, count, out);
+#endif
+    const int y = at.y;
+    for (int x = 0; x < count; ++x) {
+        out[x] = xfm_.sample(img_, (at.a * x + at.c * y + at.e) * at.r,
+                             (at.b * x + at.d * y + at.f) * at.r);
+    }
 }

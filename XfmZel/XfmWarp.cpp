@@ -54,22 +54,10 @@ void ImageXfmZel::apply(ImageZel* src, ImageZel* dst, int firstRow, int lastRow)
         }
         return;
     }
-    // The point path: positions a chunk at a time, sampled as sample() would.
+    // The point path: a run of positions per row, sampled as sample() would.
     XfmPointRun run(*this, src);
-    double xs[kXfmRunChunk];
-    double ys[kXfmRunChunk];
-    for (int y = firstRow; y <= lastRow; ++y) {
-        PixelZel* out = dst->rows[y];
-        for (int x0 = 0; x0 < dst->width; x0 += kXfmRunChunk) {
-            const int count = std::min(kXfmRunChunk, dst->width - x0);
-            for (int k = 0; k < count; ++k) {
-                const int x = x0 + k;
-                xs[k] = (a * x + c * y + e) * r;
-                ys[k] = (b * x + d * y + f) * r;
-            }
-            run.sample(xs, ys, count, out + x0);
-        }
-    }
+    for (int y = firstRow; y <= lastRow; ++y)
+        run.sample(XfmAffinePositions{a, b, c, d, e, f, r, y}, dst->width, dst->rows[y]);
 }
 
 void ImageXfmZel::apply(ImageZel& src, ImageZel& dst, int firstRow, int lastRow) {
