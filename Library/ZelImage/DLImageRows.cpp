@@ -108,12 +108,28 @@ void pasteRowsReplicated(ImageZel* image, typename Format::Sample* buffer, int w
 int dlEffectiveFactor(int factor) { return factor < 1 ? 1 : factor; }
 
 void dlCopyRows8(const unsigned char* buffer, long width, ImageZel* image, long first, long last) {
+#if ZEL_AVX2_FORMS
+    if (zelUseAvx2()) return dlCopyRows8Avx2(buffer, width, image, first, last);
+#endif
     copyRows<Host8>(buffer, width, image, first, last);
+}
+
+void dlCopyRows8Plain(const unsigned char* in, long count, PixelZel* out) {
+    for (long x = 0; x < count; ++x)
+        readPixel<Host8>(in + x * kChannelsPerPixel, kDLAlphaFull, out[x]);
 }
 
 void dlCopyRows12(const unsigned short* buffer, long width, ImageZel* image, long first,
                   long last) {
+#if ZEL_AVX2_FORMS
+    if (zelUseAvx2()) return dlCopyRows12Avx2(buffer, width, image, first, last);
+#endif
     copyRows<Host12>(buffer, width, image, first, last);
+}
+
+void dlCopyRows12Plain(const unsigned short* in, long count, PixelZel* out) {
+    for (long x = 0; x < count; ++x)
+        readPixel<Host12>(in + x * kChannelsPerPixel, kDLAlphaFull, out[x]);
 }
 
 void dlCopyRowsSampled8(const unsigned char* buffer, long width, long height, int factor,
@@ -127,11 +143,25 @@ void dlCopyRowsSampled12(const unsigned short* buffer, long width, long height, 
 }
 
 void dlPasteRows8(ImageZel* image, unsigned char* buffer, long first, long last) {
+#if ZEL_AVX2_FORMS
+    if (zelUseAvx2()) return dlPasteRows8Avx2(image, buffer, first, last);
+#endif
     pasteRows<Host8>(image, buffer, first, last);
 }
 
+void dlPasteRows8Plain(const PixelZel* in, long count, unsigned char* out) {
+    for (long x = 0; x < count; ++x) writePixel<Host8>(in[x], out + x * kChannelsPerPixel);
+}
+
 void dlPasteRows12(ImageZel* image, unsigned short* buffer, long first, long last) {
+#if ZEL_AVX2_FORMS
+    if (zelUseAvx2()) return dlPasteRows12Avx2(image, buffer, first, last);
+#endif
     pasteRows<Host12>(image, buffer, first, last);
+}
+
+void dlPasteRows12Plain(const PixelZel* in, long count, unsigned short* out) {
+    for (long x = 0; x < count; ++x) writePixel<Host12>(in[x], out + x * kChannelsPerPixel);
 }
 
 void dlPasteRowsReplicated8(ImageZel* image, unsigned char* buffer, int width, int factor,

@@ -9,7 +9,10 @@
 // (min(x / factor, width - 1), min(y / factor, height - 1)).
 #pragma once
 
+#include "ZelCpu.h"
+
 class ImageZel;
+struct PixelZel;
 
 int dlEffectiveFactor(int factor);  // factors below 1 count as 1
 
@@ -27,6 +30,22 @@ void dlCopyRowsSampled12(const unsigned short* buffer, long width, long height, 
 // the image width.
 void dlPasteRows8(ImageZel* image, unsigned char* buffer, long first, long last);
 void dlPasteRows12(ImageZel* image, unsigned short* buffer, long first, long last);
+
+// The full-resolution rows come in a plain and an AVX2 form that give the
+// same values (chosen by zelUseAvx2); the plain ones convert `count` pixels
+// of one row.
+void dlCopyRows8Plain(const unsigned char* in, long count, PixelZel* out);
+void dlPasteRows8Plain(const PixelZel* in, long count, unsigned char* out);
+void dlCopyRows12Plain(const unsigned short* in, long count, PixelZel* out);
+void dlPasteRows12Plain(const PixelZel* in, long count, unsigned short* out);
+#if ZEL_AVX2_FORMS
+void dlCopyRows8Avx2(const unsigned char* buffer, long width, ImageZel* image, long first,
+                     long last);
+void dlPasteRows8Avx2(ImageZel* image, unsigned char* buffer, long first, long last);
+void dlCopyRows12Avx2(const unsigned short* buffer, long width, ImageZel* image, long first,
+                      long last);
+void dlPasteRows12Avx2(ImageZel* image, unsigned short* buffer, long first, long last);
+#endif
 
 // Image to host, replicated: host rows first..last of a width x height frame.
 void dlPasteRowsReplicated8(ImageZel* image, unsigned char* buffer, int width, int factor,
