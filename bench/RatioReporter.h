@@ -13,9 +13,18 @@
 #include <utility>
 #include <vector>
 
+// numerator / denominator, divided by `divisor` (e.g. the ratio of the pixel
+// counts, to read a 4K result against a 2K one per pixel); `note` is printed after.
 struct RatioPair {
+    RatioPair(std::string top, std::string bottom, double by = 1.0, std::string text = "")
+        : numerator(std::move(top)),
+          denominator(std::move(bottom)),
+          divisor(by),
+          note(std::move(text)) {}
     std::string numerator;
     std::string denominator;
+    double divisor;
+    std::string note;
 };
 
 class RatioReporter : public benchmark::ConsoleReporter {
@@ -59,9 +68,10 @@ class RatioReporter : public benchmark::ConsoleReporter {
                 fprintf(out, "\nRatios of real time per iteration\n");
                 heading = true;
             }
-            fprintf(out, "%8.2f  %s (%.2f ms) / %s (%.2f ms)\n", top / bottom,
+            fprintf(out, "%8.2f  %s (%.2f ms) / %s (%.2f ms)%s%s\n", top / bottom / pair.divisor,
                     pair.numerator.c_str(), top * kMillisecondsPerSecond, pair.denominator.c_str(),
-                    bottom * kMillisecondsPerSecond);
+                    bottom * kMillisecondsPerSecond, pair.note.empty() ? "" : "  ",
+                    pair.note.c_str());
         }
         fflush(out);
     }

@@ -7,9 +7,14 @@
 // pixel, at 1 and 2 threads. Frame sizes 2048x1556 (2K full aperture) and
 // 4096x2160 (4K DCI); real time throughout.
 //
+// Beside them the plug-in's own work (OurWork.h): its Remove and Add maps,
+// ProcessFrame from a cached map with the sharp cubic kernel, and a whole
+// 12-bit SparkProcess of the real plug-in through the simulated host with its
+// four stages, at 1 and 2 threads (processors the host offers).
+//
 // After the runs it prints ratios of pairs of results. ratioPairs() is the one
-// place that lists them; the plug-in's own benchmarks go in beside the peers
-// and their "ours / peer" pairs there.
+// place that lists them: each of ours against its peer, the whole frame
+// against the memory floor, and each of ours at 4K against 2K per pixel.
 #include <benchmark/benchmark.h>
 #include <lensfun.h>
 #include <unistd.h>
@@ -24,6 +29,7 @@
 #include <thread>
 #include <vector>
 
+#include "OurWork.h"
 #include "RatioReporter.h"
 
 namespace {
@@ -193,12 +199,65 @@ void registerPeers() {
     }
 }
 
-// Every pair whose ratio is printed. Each peer is read against the memory
-// floor at the same size and thread count. The plug-in's own results go in
-// here as "ours / peer" pairs, ours first, e.g. its frame against
-// opencv/remap_cubic_16UC4 and its Remove map against lensfun/poly5_reverse.
+// Ours, in the order of the table in the README.
+const char* const kOurs[] = {"ours/remove_map",
+                             "ours/add_map",
+                             "ours/ProcessFrame_SharpCubic_cached_map",
+                             "ours/SparkProcess_12bit_cached_map_magnify",
+                             "ours/SparkProcess_stage1_conversion_in",
+                             "ours/SparkProcess_stage2_resample",
+                             "ours/SparkProcess_stage3_magnify",
+                             "ours/SparkProcess_stage4_conversion_out"};
+
+void registerOurs() {
+    using ours::Stage;
+    for (const FrameSize size : kSizes) {
+        const int w = size.width, h = size.height;
+        for (int threads : {1, 2}) {
+            add(resultName(kOurs[0], size, threads),
+                [w, h, threads](benchmark::State& s) { ours::map(s, w, h, false, threads); });
+            add(resultName(kOurs[1], size, threads),
+                [w, h, threads](benchmark::State& s) { ours::map(s, w, h, true, threads); });
+            add(resultName(kOurs[2], size, threads),
+                [w, h, threads](benchmark::State& s) { ours::processFrame(s, w, h, threads); });
+            add(resultName(kOurs[3], size, threads),
+                [w, h, threads](benchmark::State& s) { ours::sparkProcess(s, w, h, threads); });
+            const Stage stages[] = {Stage::kConversionIn, Stage::kResample, Stage::kMagnify,
+                                    Stage::kConversionOut};
+            for (int k = 0; k < 4; ++k) {
+                const Stage which = stages[k];
+                add(resultName(kOurs[4 + k], size, threads),
+                    [w, h, which, threads](benchmark::State& s) {
+                        ours::stage(s, w, h, which, threads);
+                    });
+            }
+        }
+    }
+}
+
+// Every pair whose ratio is printed: ours against the peer doing the same
+// job at the same size and thread count (ours first), the whole frame
+// against the memory floor, each peer against the floor, and ours at 4K
+// against 2K divided by the pixel ratio (1.00: the cost scales with pixels).
 std::vector<RatioPair> ratioPairs() {
     std::vector<RatioPair> pairs;
+    for (const FrameSize size : kSizes) {
+        pairs.push_back({resultName("ours/remove_map", size, 1),
+                         resultName("lensfun/poly5_reverse", size, 1), 1.0, "target <= 0.5"});
+        pairs.push_back({resultName("ours/add_map", size, 1),
+                         resultName("opencv/initUndistortRectifyMap", size, 1)});
+        for (int threads : {1, 2}) {
+            pairs.push_back({resultName("ours/ProcessFrame_SharpCubic_cached_map", size, threads),
+                             resultName("opencv/remap_cubic_16UC4", size, threads), 1.0,
+                             "target <= 0.5"});
+        }
+        for (int threads : {1, 2}) {
+            pairs.push_back(
+                {resultName("ours/SparkProcess_12bit_cached_map_magnify", size, threads),
+                 resultName("floor/stream_24_bytes_per_pixel", size, threads), 1.0,
+                 size.width == 2048 && threads == 2 ? "target: whole frame <= 30 ms" : ""});
+        }
+    }
     for (const FrameSize size : kSizes) {
         for (int threads : {1, 2}) {
             const std::string floor = resultName("floor/stream_24_bytes_per_pixel", size, threads);
@@ -210,6 +269,12 @@ std::vector<RatioPair> ratioPairs() {
              {"opencv/initUndistortRectifyMap", "lensfun/poly5_forward", "lensfun/poly5_reverse"})
             pairs.push_back({resultName(peer, size, 1), floor});
     }
+    const FrameSize small = kSizes[0], large = kSizes[1];
+    const double pixelRatio = static_cast<double>(large.pixels()) / small.pixels();
+    for (const char* what : kOurs)
+        for (int threads : {1, 2})
+            pairs.push_back({resultName(what, large, threads), resultName(what, small, threads),
+                             pixelRatio, "per pixel, target <= 1.2"});
     return pairs;
 }
 
@@ -224,6 +289,7 @@ int main(int argc, char** argv) {
                                                std::to_string(LF_VERSION_MINOR) + "." +
                                                std::to_string(LF_VERSION_MICRO));
     registerPeers();
+    registerOurs();
     RatioReporter reporter(isatty(fileno(stdout)) != 0);
     benchmark::RunSpecifiedBenchmarks(&reporter);
     reporter.printRatios(ratioPairs());
