@@ -2,9 +2,9 @@
 // same way ("ours/remove_map/2048x1556/1thread"): the Remove- and Add-mode
 // address maps, one frame resampled from a cached map with the sharp cubic
 // kernel (ProcessFrame), and a whole 12-bit SparkProcess of the real plug-in
-// through the simulated host with a cached map and a magnify pass, together
-// with its four stages run alone (conversion in, resample, magnify,
-// conversion out). Thread counts are the processors the host offers: the
+// through the simulated host with a cached map, without and with a magnify
+// pass, and the four stages of the latter run alone (conversion in,
+// resample, magnify, conversion out). Thread counts are the processors the host offers: the
 // framework's bands run on that many threads, forked per call as the host
 // forks them.
 #pragma once
@@ -191,8 +191,9 @@ inline simhost::Plugin* loadedPlugin() {
 }
 
 // A whole 12-bit frame through SparkProcess: conversions, resample from the
-// cached map (sharp cubic), magnify pass, no blend.
-inline void sparkProcess(benchmark::State& state, int width, int height, int threads) {
+// cached map (sharp cubic), the magnify pass when magnify is not 1, no blend.
+inline void sparkProcess(benchmark::State& state, int width, int height, int threads,
+                         double magnify) {
     simhost::Plugin* plugin = loadedPlugin();
     if (plugin == nullptr) {
         state.SkipWithError("the plug-in did not load");
@@ -214,7 +215,7 @@ inline void sparkProcess(benchmark::State& state, int width, int height, int thr
     if (nowhere >= 0) close(nowhere);
     plugin->record<SparkFloatStruct>("SparkFloat6")->Value = kRadial1;
     plugin->record<SparkFloatStruct>("SparkFloat7")->Value = kRadial2;
-    plugin->record<SparkFloatStruct>("SparkFloat18")->Value = static_cast<float>(kMagnify);
+    plugin->record<SparkFloatStruct>("SparkFloat18")->Value = static_cast<float>(magnify);
     plugin->record<SparkPupStruct>("SparkPup17")->Value = kSamplingSharpCubic - 1;
     simhost::FrameBuffer& input = host.setBuffer(2, width, height, kDepth12);
     const std::vector<unsigned short> words = codedHostFrame12(width, height);
