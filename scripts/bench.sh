@@ -3,7 +3,10 @@
 # installs what is missing (the peers' Debian packages included), builds
 # bench_peers with the default preset (release with debug info) and runs it.
 # It prints every result and then the ratios of the pairs listed in
-# bench/bench_peers.cpp. Arguments go to the benchmark program, e.g.
+# bench/bench_peers.cpp. By default every benchmark runs 5 times, the runs of
+# all benchmarks interleaved at random so that the machine's other load falls
+# on all of them alike, and medians are reported. Arguments go to the
+# benchmark program after those defaults (a later flag wins), e.g.
 #   bash scripts/bench.sh --benchmark_filter=4096x2160 --benchmark_repetitions=3
 # Set STRAIGHTLUX_BUILD_DIR to build in another folder.
 set -euo pipefail
@@ -32,4 +35,5 @@ if [ ! -x "$program" ]; then
   exit 1
 fi
 echo "== running $program"
-"$program" "$@"
+"$program" --benchmark_repetitions=5 --benchmark_enable_random_interleaving=true \
+  --benchmark_report_aggregates_only=true "$@"
