@@ -10,6 +10,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "OutputFile.h"
+
 namespace {
 const int kMaxPadding = 10;  // an unsigned frame number has at most 10 digits
 const unsigned kMaxFrameCount = 1000000;
@@ -91,6 +93,8 @@ std::vector<unsigned> FramePattern::existingFrames() const {
     if (!dir) return frames;
     while (const dirent* entry = readdir(dir)) {
         const std::string name = entry->d_name;
+        // A half-written frame of this or another run is not a frame.
+        if (simhost::isTemporaryName(name)) continue;
         if (name.size() <= head.size() + suffix_.size()) continue;
         if (name.compare(0, head.size(), head) != 0) continue;
         if (name.compare(name.size() - suffix_.size(), suffix_.size(), suffix_) != 0) continue;

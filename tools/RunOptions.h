@@ -5,6 +5,7 @@
 // arguments are the input and output (or the files of a utility mode).
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -22,7 +23,8 @@ struct RunOptions {
     std::vector<std::string> keys;   // "Name@Frame=Value"
     std::string setupPath;
     std::string saveSetupPath;
-    int processors = 0;  // 0: the machine's
+    int processors = 0;      // 0: the machine's
+    uint64_t maxMemory = 0;  // bytes a frame may need; 0: the memory available
     bool verbose = false;
     bool quiet = false;
     int chartWidth = 0;  // 0: the default chart size

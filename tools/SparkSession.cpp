@@ -6,6 +6,7 @@
 
 #include "HostPixels.h"
 #include "PluginConsole.h"
+#include "ProcessSignals.h"
 
 namespace {
 const int kOutputBufferId = 1;
@@ -37,6 +38,7 @@ RunStatus SparkSession::load(const std::string& pluginPath) {
     std::string error;
     bool loaded;
     {
+        CrashContext during("while loading the plug-in " + pluginPath);
         PluginConsole console(quiet_);
         // dlopen searches the library path for a name without a slash; a user means a file.
         const bool bare = pluginPath.find('/') == std::string::npos;
@@ -88,6 +90,7 @@ RunStatus SparkSession::start(int width, int height, int depth, float pixelAspec
     unsigned levels;
     int clips;
     {
+        CrashContext during("in the plug-in's SparkInitialise");
         PluginConsole console(quiet_);
         plugin_.memoryTempBuffers();
         clips = plugin_.clips();
@@ -129,6 +132,7 @@ RunStatus SparkSession::process(unsigned frame, unsigned totalFrames, const File
     const SparkInfoStruct info = infoFor(frame, totalFrames, setupPath_);
     unsigned long* returned;
     {
+        CrashContext during("in the plug-in's SparkProcess, frame " + std::to_string(frame));
         PluginConsole console(quiet_);
         plugin_.processStart(info);
         returned = plugin_.process(info);
@@ -164,6 +168,7 @@ RunStatus SparkSession::finish(const std::string& savePath) {
     if (name.size() >= sizeof(SparkInfoStruct::Name))
         return RunStatus::failure(ExitCode::Usage, "set-up file name too long: " + name);
     {
+        CrashContext during("in the plug-in's SparkUnInitialise");
         PluginConsole console(quiet_);
         plugin_.uninitialise(infoFor(1, 1, name));
     }

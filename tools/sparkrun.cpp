@@ -8,15 +8,21 @@
 #include <algorithm>
 #include <climits>
 #include <cstdio>
+#include <ctime>
+#include <new>
 #include <set>
 #include <thread>
 
 #include "ControlTable.h"
+#include "FrameMemory.h"
 #include "FramePattern.h"
 #include "HostPixels.h"
 #include "ImageCompare.h"
 #include "ImageFiles.h"
+#include "OutputFile.h"
+#include "ProcessSignals.h"
 #include "ProgressBar.h"
+#include "ReaderProcess.h"
 #include "RunOptions.h"
 #include "SparkSession.h"
 #include "TestChart.h"
@@ -110,7 +116,11 @@ RunStatus planFrames(const RunOptions& options, const FramePattern& input,
             return RunStatus::failure(ExitCode::Input, "input file not found: " + name);
         if (!input.isSequence()) break;
     }
-    return checkOutputPath(output.fileFor(frames->front()));
+    RunStatus status = checkOutputPath(output.fileFor(frames->front()));
+    // A sequence's longest name is its last frame's.
+    if (status.ok() && output.isSequence())
+        status = checkOutputFolder(output.fileFor(frames->back()));
+    return status;
 }
 
 RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
@@ -124,10 +134,21 @@ RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
     RunStatus status = planFrames(options, input, output, &frames);
     if (!status.ok()) return status;
 
+    // The first frame is weighed against the memory before it is decoded;
+    // the others must match its size, which is checked before they are.
     FilePixels picture;
     int depth = 0;
-    status = readImage(input.fileFor(frames.front()), options.depth, &picture, &depth);
+    ReadRequest first;
+    first.requestedDepth = options.depth;
+    first.memoryLimit = options.maxMemory ? options.maxMemory : memoryAvailable();
+    first.limitIsOption = options.maxMemory != 0;
+    first.forProcessing = true;
+    status = readImage(input.fileFor(frames.front()), first, &picture, &depth);
     if (!status.ok()) return status;
+    ReadRequest next;
+    next.requestedDepth = depth;
+    next.expectWidth = picture.width;
+    next.expectHeight = picture.height;
 
     SparkSession session(options.quiet, options.processors);
     status = session.load(pluginPath);
@@ -146,7 +167,7 @@ RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
         // A still input is read once and stands for every frame.
         if (i > 0 && input.isSequence()) {
             int frameDepth = 0;
-            status = readImage(input.fileFor(frame), depth, &picture, &frameDepth);
+            status = readImage(input.fileFor(frame), next, &picture, &frameDepth);
             if (!status.ok()) break;
         }
         const unsigned char* result = nullptr;
@@ -168,15 +189,52 @@ RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
     return status.ok() ? finished : status;
 }
 
-RunStatus run(RunOptions& options) {
+std::string folderOf(const std::string& path) {
+    const size_t slash = path.rfind('/');
+    if (slash == std::string::npos) return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+// Removes what runs that died on this machine left in the folder of path.
+void sweepStaleTemporaries(const std::string& path, time_t runStart, bool verbose) {
+    const std::string folder = folderOf(path);
+    const int removed = simhost::removeStaleTemporaries(folder, runStart);
+    if (removed && verbose)
+        std::printf("removed %d temporary file(s) left by an earlier run in %s\n", removed,
+                    folder.c_str());
+}
+
+// The file a mode writes, or empty.
+std::string outputOf(const RunOptions& options) {
+    switch (options.mode) {
+        case RunMode::Process:
+            return options.files.size() == 2 ? options.files[1] : "";
+        case RunMode::MakeChart:
+            return options.files.size() == 1 ? options.files[0] : "";
+        case RunMode::SideBySide:
+            return options.files.size() == 3 ? options.files[2] : "";
+        default:
+            return "";
+    }
+}
+
+RunStatus run(RunOptions& options, time_t runStart) {
     if (!options.processors) options.processors = defaultProcessors();
     const std::string pluginPath =
         options.pluginPath.empty() ? defaultPluginPath() : options.pluginPath;
+    // Set-up names travel in the host's information record.
+    for (const std::string* name : {&options.setupPath, &options.saveSetupPath})
+        if (name->size() >= sizeof(SparkInfoStruct::Name))
+            return usage("set-up file name too long (at most " +
+                         std::to_string(sizeof(SparkInfoStruct::Name) - 1) + " bytes): " + *name);
     // A set-up that cannot be saved is found out before any frame is made.
     if (!options.saveSetupPath.empty()) {
         const RunStatus status = checkOutputFolder(options.saveSetupPath);
         if (!status.ok()) return status;
+        sweepStaleTemporaries(options.saveSetupPath, runStart, options.verbose);
     }
+    const std::string output = outputOf(options);
+    if (!output.empty()) sweepStaleTemporaries(output, runStart, options.verbose);
     switch (options.mode) {
         case RunMode::Help:
             std::fputs(usageText(), stdout);
@@ -212,9 +270,25 @@ RunStatus run(RunOptions& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    RunOptions options;
-    RunStatus status = parseCommandLine(argc, argv, &options);
-    if (status.ok()) status = run(options);
+    if (argc == 2 && std::string(argv[1]) == kReaderProcessArgument) return serveReaderRequests();
+    const time_t runStart = time(nullptr);
+    installProcessSignals();
+    configureImageLibrary();
+    RunStatus status;
+    try {
+        RunOptions options;
+        status = parseCommandLine(argc, argv, &options);
+        if (status.ok()) status = run(options, runStart);
+    } catch (const std::bad_alloc&) {
+        status = RunStatus::failure(ExitCode::Memory,
+                                    "out of memory: an allocation failed (a smaller frame, a "
+                                    "proxy or more memory would help)");
+    } catch (const std::exception& error) {
+        status =
+            RunStatus::failure(ExitCode::Internal, std::string("internal error: ") + error.what());
+    } catch (...) {
+        status = RunStatus::failure(ExitCode::Internal, "internal error: an unknown exception");
+    }
     if (status.ok()) return 0;
     std::fprintf(stderr, "sparkrun: %s\n", status.message.c_str());
     if (status.code == ExitCode::Usage) std::fputs("(sparkrun --help shows the usage)\n", stderr);
