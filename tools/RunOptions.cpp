@@ -66,6 +66,12 @@ options:
   --save-setup FILE      save every control value and key at the end
   --list-controls        print every control with its value and range or entries
   --threads N            processors the host offers the plug-in
+  --float-encoding linear|log
+                         how float (scene-linear) inputs enter the 12-bit host:
+                         linear clips to 0..1 (and says how many pixels it
+                         clipped); log carries 0..64 on a log curve and undoes it
+                         on output (float input and float output such as .exr,
+                         12-bit host; within 0.1% of value + 1/64)
   --max-memory SIZE      memory a frame may need (512M, 8G, ...); default: what
                          the machine has free. A larger frame is refused (exit 3)
   --verbose              report each frame and its animated values
@@ -155,6 +161,9 @@ RunStatus parseCommandLine(int argc, char** argv, RunOptions* options) {
         } else if (argument == "--max-memory") {
             if (!parseMemorySize(value, &options->maxMemory))
                 return usage("--max-memory takes a size such as 512M or 8G, not \"" + value + "\"");
+        } else if (argument == "--float-encoding") {
+            if (!parseFloatEncoding(value, &options->floatEncoding))
+                return usage("--float-encoding takes linear or log, not \"" + value + "\"");
         } else if (argument == "--size") {
             if (!parseSize(value, &options->chartWidth, &options->chartHeight) ||
                 options->chartWidth < 1 || options->chartHeight < 1)

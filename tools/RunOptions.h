@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "FloatEncoding.h"
 #include "RunStatus.h"
 
 enum class RunMode { Process, ListControls, MakeChart, SideBySide, Compare, Help };
@@ -25,6 +26,7 @@ struct RunOptions {
     std::string saveSetupPath;
     int processors = 0;      // 0: the machine's
     uint64_t maxMemory = 0;  // bytes a frame may need; 0: the memory available
+    FloatEncoding floatEncoding = FloatEncoding::Linear;
     bool verbose = false;
     bool quiet = false;
     int chartWidth = 0;  // 0: the default chart size

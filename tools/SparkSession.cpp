@@ -125,7 +125,8 @@ RunStatus SparkSession::process(unsigned frame, unsigned totalFrames, const File
                                       std::to_string(picture.width) + "x" +
                                       std::to_string(picture.height) + ", the sequence is " +
                                       std::to_string(width_) + "x" + std::to_string(height_));
-    fillHostFrame(picture, depth_, host.setBuffer(kInputBufferId, width_, height_, depth_).bytes());
+    fillHostFrame(picture, depth_, host.setBuffer(kInputBufferId, width_, height_, depth_).bytes(),
+                  floatEncoding_);
     host.setBuffer(kOutputBufferId, width_, height_, depth_);
     *animated = controls_->applyCurves(host, frame);
 

@@ -27,6 +27,7 @@
 
 #include "ControlTable.h"
 #include "FilePixels.h"
+#include "FloatEncoding.h"
 #include "RunStatus.h"
 
 class SparkSession {
@@ -34,6 +35,8 @@ class SparkSession {
     SparkSession(bool quiet, int processors);
 
     RunStatus load(const std::string& pluginPath);
+    // How float pictures are put into the host frames (before process).
+    void setFloatEncoding(FloatEncoding encoding) { floatEncoding_ = encoding; }
     RunStatus start(int width, int height, int depth, float pixelAspect,
                     const std::string& setupPath);
     // Valid after start.
@@ -57,6 +60,7 @@ class SparkSession {
     std::string relayMessages();
 
     bool quiet_;
+    FloatEncoding floatEncoding_ = FloatEncoding::Linear;
     simhost::Plugin& plugin_;
     std::unique_ptr<ControlTable> controls_;
     std::string pluginPath_;

@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "ControlTable.h"
+#include "FloatEncoding.h"
 #include "FrameMemory.h"
 #include "FramePattern.h"
 #include "HostPixels.h"
@@ -94,6 +95,19 @@ RunStatus runControlsOnly(const RunOptions& options, const std::string& pluginPa
     return status.ok() ? finished : status;
 }
 
+// Tells how many pixels of a float frame the host frame cannot hold.
+void reportClipped(const ClipCount& clipped, FloatEncoding encoding, const std::string& file) {
+    if (!clipped.pixels) return;
+    const bool linear = encoding == FloatEncoding::Linear;
+    std::fprintf(stderr,
+                 "sparkrun: warning: %s: %zu pixel(s) had values outside 0 .. %g%s and were "
+                 "clipped (largest %g, smallest %g)%s\n",
+                 file.c_str(), clipped.pixels, static_cast<double>(encodingTop(encoding)),
+                 clipped.notNumbers ? " or not numbers" : "", static_cast<double>(clipped.largest),
+                 static_cast<double>(clipped.smallest),
+                 linear ? "; --float-encoding log carries 0 .. 64 through" : "");
+}
+
 // The frames to run and the checks that can be made before any work.
 RunStatus planFrames(const RunOptions& options, const FramePattern& input,
                      const FramePattern& output, std::vector<unsigned>* frames) {
@@ -115,6 +129,13 @@ RunStatus planFrames(const RunOptions& options, const FramePattern& input,
         if (stat(name.c_str(), &status) != 0)
             return RunStatus::failure(ExitCode::Input, "input file not found: " + name);
         if (!input.isSequence()) break;
+    }
+    if (options.floatEncoding == FloatEncoding::Log) {
+        if (options.depth == kHostDepth8)
+            return usage("--float-encoding log needs the 12-bit host, not --depth 8");
+        if (outputSampleType(output.fileFor(frames->front()), kHostDepth12) != SampleType::Float)
+            return usage("--float-encoding log needs a floating-point output (such as .exr): " +
+                         output.fileFor(frames->front()) + " would clip what it carries");
     }
     RunStatus status = checkOutputPath(output.fileFor(frames->front()));
     // A sequence's longest name is its last frame's.
@@ -145,12 +166,16 @@ RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
     first.forProcessing = true;
     status = readImage(input.fileFor(frames.front()), first, &picture, &depth);
     if (!status.ok()) return status;
+    if (options.floatEncoding == FloatEncoding::Log && !picture.isFloat)
+        return usage("--float-encoding log is for floating-point inputs; " +
+                     input.fileFor(frames.front()) + " holds whole numbers");
     ReadRequest next;
     next.requestedDepth = depth;
     next.expectWidth = picture.width;
     next.expectHeight = picture.height;
 
     SparkSession session(options.quiet, options.processors);
+    session.setFloatEncoding(options.floatEncoding);
     status = session.load(pluginPath);
     if (!status.ok()) return status;
     status =
@@ -172,11 +197,14 @@ RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
         }
         const unsigned char* result = nullptr;
         std::string animated;
+        reportClipped(countClipped(picture, options.floatEncoding), options.floatEncoding,
+                      input.fileFor(frame));
         status = session.process(frame, total, picture, &result, &animated);
         if (!status.ok()) break;
         const std::string name = output.fileFor(frame);
-        const RgbSamples samples = readHostFrame(result, session.width(), session.height(), depth,
-                                                 outputSampleType(name, depth));
+        const RgbSamples samples =
+            readHostFrame(result, session.width(), session.height(), depth,
+                          outputSampleType(name, depth), options.floatEncoding);
         status = writeImage(name, session.width(), session.height(), samples);
         if (!status.ok()) break;
         if (options.verbose)

@@ -539,3 +539,59 @@ TEST_F(Reliability, SetupValuesAreCheckedExactlyAsTheCommandLineChecksThem) {
     EXPECT_EQ(result.code, 3) << result.err;
     EXPECT_NE(result.err.find("not a regular file"), std::string::npos) << result.err;
 }
+
+TEST_F(Reliability, SceneLinearValuesAreReportedWhenClippedAndCarriedThroughByTheLogCurve) {
+    // A half-float file; three of six pixels leave 0 .. 1: (4, .5, .5), (-.5, 0, 0), (2, 0, 0).
+    const std::vector<float> bright = {4.0f, 0.5f, 0.5f, -0.5f, 0.0f, 0.0f, 0.5f,  0.5f,  0.5f,
+                                       1.0f, 1.0f, 1.0f, 2.0f,  0.0f, 0.0f, 0.25f, 0.25f, 0.25f};
+    {
+        auto out = OIIO::ImageOutput::create(path("bright.exr"));
+        ASSERT_TRUE(out &&
+                    out->open(path("bright.exr"), OIIO::ImageSpec(3, 2, 3, OIIO::TypeDesc::HALF)));
+        ASSERT_TRUE(out->write_image(OIIO::TypeDesc::FLOAT, bright.data()));
+        ASSERT_TRUE(out->close());
+    }
+    ToolRun result = probe(path("bright.exr") + " " + path("out/linear.exr"));
+    ASSERT_EQ(result.code, 0) << result.err;
+    EXPECT_NE(result.err.find("3 pixel(s) had values outside 0 .. 1 and were clipped (largest 4, "
+                              "smallest -0.5)"),
+              std::string::npos)
+        << result.err;
+    const Picture clipped = readPicture(path("out/linear.exr"));
+    EXPECT_EQ(*std::max_element(clipped.samples.begin(), clipped.samples.end()), 1.0f);
+
+    // The log curve carries 0 .. 64 through and back, within half a step:
+    // (f + 1/64) * (2^(log2(4097) / 8190) - 1).
+    const std::vector<float> values = {0.0f,  1e-4f, 0.001f, 0.01f, 0.18f,  0.5f,
+                                       1.0f,  1.5f,  2.0f,   4.0f,  7.5f,   16.0f,
+                                       33.0f, 40.0f, 63.0f,  64.0f, 100.0f, -0.5f};
+    writePicture(path("wide.exr"), 3, 2, 3, OIIO::TypeDesc::FLOAT, values);
+    result = probe("--float-encoding log " + path("wide.exr") + " " + path("out/log.exr"));
+    ASSERT_EQ(result.code, 0) << result.err;
+    // The last pixel holds both 100 and -0.5.
+    EXPECT_NE(result.err.find("1 pixel(s) had values outside 0 .. 64"), std::string::npos)
+        << result.err;
+    const Picture back = readPicture(path("out/log.exr"));
+    ASSERT_EQ(back.samples.size(), values.size());
+    const double halfStep = std::exp2(std::log2(4097.0) / 8190.0) - 1.0;
+    for (size_t i = 0; i < values.size(); ++i) {
+        const double expected = std::clamp(static_cast<double>(values[i]), 0.0, 64.0);
+        EXPECT_NEAR(back.samples[i], expected, (expected + 1.0 / 64) * halfStep + 1e-7)
+            << values[i];
+    }
+
+    // The curve needs a float input, a float output and the 12-bit host.
+    writeFlat8(path("eight.png"), 3);
+    const std::string cases[] = {
+        "--float-encoding log " + path("eight.png") + " " + path("out/a.exr"),
+        "--float-encoding log " + path("wide.exr") + " " + path("out/a.png"),
+        "--float-encoding log --depth 8 " + path("wide.exr") + " " + path("out/a.exr"),
+        "--float-encoding cubic " + path("wide.exr") + " " + path("out/a.exr"),
+    };
+    for (const std::string& arguments : cases) {
+        result = probe(arguments);
+        EXPECT_EQ(result.code, 2) << arguments << "\n" << result.err;
+        EXPECT_NE(result.err.find("--float-encoding"), std::string::npos) << result.err;
+    }
+    EXPECT_EQ(outputs(), (std::vector<std::string>{"linear.exr", "log.exr"}));
+}
