@@ -52,7 +52,11 @@ bool FramePattern::parse(const std::string& name, FramePattern* pattern, std::st
                 *error = "bad frame field in " + name + ": use %d, %0Nd or a run of #";
                 return false;
             }
-            padding = width.empty() ? 0 : std::atoi(width.c_str());
+            // printf reads the leading zeros as the flag and the rest as the width;
+            // a width of many digits would overflow an int.
+            const size_t digits = width.find_first_not_of('0');
+            const std::string figure = digits == std::string::npos ? "" : width.substr(digits);
+            padding = figure.size() > 2 ? kMaxPadding + 1 : std::atoi(figure.c_str());
             ++end;
         } else {
             continue;

@@ -379,6 +379,12 @@ TEST_F(Reliability, NamesThatCannotBeWrittenFailBeforeTheFirstFrame) {
     EXPECT_EQ(outputs(), std::vector<std::string>{longName});
     fs::remove(dir_ / "out" / longName);
 
+    // A frame field whose width overflows an int is refused, not padded by
+    // a negative width (found by fuzzing: it printed gigabytes of blanks).
+    result = probeWith(path("in.png") + " " + path("out/%0000000020000947557d.png"), "true");
+    EXPECT_EQ(result.code, 2) << result.err;
+    EXPECT_NE(result.err.find("frame padding above 10"), std::string::npos) << result.err;
+
     // The plug-in is never started, so no frame is made.
     const std::string tooLong = std::string(252, 'n') + ".png";
     const std::string name255 = std::string(249, 'n') + ".#.png";  // frame 9 fits, 10 does not
