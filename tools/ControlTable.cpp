@@ -348,6 +348,22 @@ RunStatus ControlTable::parseKey(const std::string& text, const Control** contro
     return RunStatus::success();
 }
 
+std::vector<std::pair<const Control*, float>> ControlTable::keyedValues(
+    const simhost::Host& host) const {
+    std::vector<std::pair<const Control*, float>> values;
+    for (const Control& control : controls_) {
+        if (control.kind != ControlKind::Float) continue;
+        const auto keys = host.curveKeys.find(control.number);
+        if (keys != host.curveKeys.end() && !keys->second.empty())
+            values.emplace_back(&control, *floatFields(control).value);
+    }
+    return values;
+}
+
+void ControlTable::setValue(const Control& control, float value) const {
+    if (control.kind == ControlKind::Float) *floatFields(control).value = value;
+}
+
 std::string ControlTable::applyCurves(const simhost::Host& host, unsigned frame) const {
     std::vector<std::string> applied;
     for (const Control& control : controls_) {

@@ -10,6 +10,7 @@
 #include <climits>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <set>
 #include <vector>
 
@@ -81,6 +82,17 @@ RunStatus inputFailure(const std::string& text) {
 
 RunStatus outputFailure(const std::string& text) {
     return RunStatus::failure(ExitCode::Output, text);
+}
+
+// "YYYY:MM:DD HH:MM:SS", the file's last change in UTC; empty when unknown.
+std::string modificationTime(const std::string& path) {
+    struct stat status;
+    struct tm parts;
+    char text[32];
+    if (stat(path.c_str(), &status) != 0 || !gmtime_r(&status.st_mtime, &parts) ||
+        !std::strftime(text, sizeof text, "%Y:%m:%d %H:%M:%S", &parts))
+        return "";
+    return text;
 }
 
 // Expands 1 (grey) or 3 read channels into RGB in place.
@@ -161,6 +173,8 @@ RunStatus decodeImage(const std::string& path, const ReadRequest& request, FileP
     read.isFloat = isFloat;
     read.bitsPerSample = bits;
     read.pixelAspect = header.get_float_attribute("PixelAspectRatio", 1.0f);
+    read.dateTime = header.get_string_attribute("DateTime");
+    if (read.dateTime.empty()) read.dateTime = modificationTime(path);
     // Grey (with or without alpha) reads one channel; colour reads the first three.
     const int channels = header.nchannels >= kRgbChannels ? kRgbChannels : 1;
     const size_t pixels = static_cast<size_t>(header.width) * static_cast<size_t>(header.height);
@@ -271,7 +285,8 @@ bool readsBack(const std::string& path, int width, int height, std::string* erro
 }
 }  // namespace
 
-RunStatus writeImage(const std::string& path, int width, int height, const RgbSamples& result) {
+RunStatus writeImage(const std::string& path, int width, int height, const RgbSamples& result,
+                     const std::string& dateTime) {
     auto out = OIIO::ImageOutput::create(path);
     if (!out) return outputFailure("unsupported output format for " + path + ": " + oiioError());
     out->threads(1);
@@ -279,6 +294,7 @@ RunStatus writeImage(const std::string& path, int width, int height, const RgbSa
     if (result.type == SampleType::Sixteen) type = OIIO::TypeDesc::UINT16;
     if (result.type == SampleType::Float) type = OIIO::TypeDesc::FLOAT;
     OIIO::ImageSpec header(width, height, kRgbChannels, type);
+    if (!dateTime.empty()) header.attribute("DateTime", dateTime);
 
     simhost::OutputFile file;
     std::string reason;
@@ -288,8 +304,9 @@ RunStatus writeImage(const std::string& path, int width, int height, const RgbSa
     {
         OutputFileProxy stream(file);
         proxied = out->supports("ioproxy") && out->set_ioproxy(&stream);
-        // With the stream the name only tells the writer its flavour (.j2k or .jp2, ...).
-        fine = out->open(proxied ? path : file.temporaryPath(), header) &&
+        // With the stream the name only tells the writer its flavour (.j2k or .jp2,
+        // ...), and some store it (DPX): the file's own name, not where it was written.
+        fine = out->open(proxied ? baseOf(path) : file.temporaryPath(), header) &&
                out->write_image(type, result.data());
         fine = out->close() && fine;
         // Errors the writer noted without failing a call count too.

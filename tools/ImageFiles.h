@@ -74,5 +74,8 @@ RunStatus checkOutputPath(const std::string& path);
 // only 8 bits and for 8-bit hosts, 16-bit otherwise.
 SampleType outputSampleType(const std::string& path, int hostDepth);
 
-// Writes an RGB picture of width x height whose samples are in result.
-RunStatus writeImage(const std::string& path, int width, int height, const RgbSamples& result);
+// Writes an RGB picture of width x height whose samples are in result. A
+// non-empty dateTime is stored as the picture's date (formats that stamp
+// one otherwise stamp the time of writing).
+RunStatus writeImage(const std::string& path, int width, int height, const RgbSamples& result,
+                     const std::string& dateTime = "");

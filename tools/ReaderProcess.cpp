@@ -25,6 +25,7 @@ const int kAnswerFd = 4;
 const int kSpareFd = 10;
 const int kPipeBytes = 1 << 20;  // fewer wake-ups for a large frame
 const uint32_t kMaxPathBytes = 1 << 16;
+const size_t kDateBytes = 32;
 
 volatile sig_atomic_t readerPid = 0;
 int requestFd = -1;  // the tool's ends
@@ -51,6 +52,7 @@ struct Answer {
     float pixelAspect;
     int32_t depth;
     uint64_t sampleBytes;
+    char dateTime[kDateBytes];
 };
 
 bool writeAll(int fd, const void* data, size_t size) {
@@ -166,6 +168,7 @@ bool receive(RunStatus* status, FilePixels* picture, int* depth) {
     read.isFloat = answer.isFloat != 0;
     read.bitsPerSample = answer.bitsPerSample;
     read.pixelAspect = answer.pixelAspect;
+    read.dateTime.assign(answer.dateTime, strnlen(answer.dateTime, kDateBytes));
     const size_t sampleSize = read.isFloat ? sizeof(float) : sizeof(uint16_t);
     if (read.width < 1 || read.height < 1 || answer.sampleBytes != read.sampleCount() * sampleSize)
         return false;
@@ -208,6 +211,7 @@ bool answerRequest(const std::string& path, const ReadRequest& request) {
         answer.bitsPerSample = picture.bitsPerSample;
         answer.pixelAspect = picture.pixelAspect;
         answer.depth = depth;
+        std::strncpy(answer.dateTime, picture.dateTime.c_str(), kDateBytes - 1);
         answer.sampleBytes = picture.isFloat ? picture.reals.size() * sizeof(float)
                                              : picture.words.size() * sizeof(uint16_t);
         samples = picture.isFloat ? static_cast<const void*>(picture.reals.data())

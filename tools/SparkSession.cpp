@@ -128,6 +128,10 @@ RunStatus SparkSession::process(unsigned frame, unsigned totalFrames, const File
     fillHostFrame(picture, depth_, host.setBuffer(kInputBufferId, width_, height_, depth_).bytes(),
                   floatEncoding_);
     host.setBuffer(kOutputBufferId, width_, height_, depth_);
+    if (!valuesTaken_) {
+        unkeyedValues_ = controls_->keyedValues(host);
+        valuesTaken_ = true;
+    }
     *animated = controls_->applyCurves(host, frame);
 
     const SparkInfoStruct info = infoFor(frame, totalFrames, setupPath_);
@@ -162,6 +166,7 @@ RunStatus SparkSession::finish(const std::string& savePath) {
     if (!started_) return RunStatus::success();
     started_ = false;
     simhost::Host& host = simhost::Host::instance();
+    for (const auto& value : unkeyedValues_) controls_->setValue(*value.first, value.second);
     host.setupFiles = !savePath.empty();
     host.setupError.clear();
     host.clearCalls();

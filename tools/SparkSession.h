@@ -14,6 +14,11 @@
 // What the plug-in reports through sparkError / sparkMessage is passed on to
 // standard error ("plug-in: ..."), unless quiet.
 //
+// A keyed control's record holds its curve's value at the frame being
+// rendered; before the set-up is saved it gets back the value it had before
+// the first frame, so that the saved set-up does not depend on which frames
+// a run rendered (chunks of a sequence save the same set-up as one run).
+//
 // The plug-in stays loaded until the process ends, as in a host that quits
 // with its plug-ins loaded: a plug-in may keep objects for the whole life of
 // its library, which unloading it early would turn into lost memory. One
@@ -24,6 +29,8 @@
 
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "ControlTable.h"
 #include "FilePixels.h"
@@ -69,4 +76,6 @@ class SparkSession {
     int height_ = 0;
     int depth_ = 0;
     bool started_ = false;
+    std::vector<std::pair<const Control*, float>> unkeyedValues_;  // taken at the first frame
+    bool valuesTaken_ = false;
 };

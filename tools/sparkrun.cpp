@@ -205,7 +205,7 @@ RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
         const RgbSamples samples =
             readHostFrame(result, session.width(), session.height(), depth,
                           outputSampleType(name, depth), options.floatEncoding);
-        status = writeImage(name, session.width(), session.height(), samples);
+        status = writeImage(name, session.width(), session.height(), samples, picture.dateTime);
         if (!status.ok()) break;
         if (options.verbose)
             std::printf("frame %u: %s%s%s\n", frame, name.c_str(), animated.empty() ? "" : "  ",
