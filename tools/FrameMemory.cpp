@@ -131,6 +131,12 @@ uint64_t memoryAvailable() {
     return room;
 }
 
+uint64_t peakMemory() {
+    struct rusage usage;
+    if (getrusage(RUSAGE_SELF, &usage) != 0) return 0;
+    return static_cast<uint64_t>(usage.ru_maxrss) * kKibi;  // Linux counts in KiB
+}
+
 bool parseMemorySize(const std::string& text, uint64_t* bytes) {
     size_t digits = 0;
     while (digits < text.size() &&

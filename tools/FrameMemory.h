@@ -36,6 +36,9 @@ uint64_t frameMemoryNeed(const FrameShape& shape, bool withPlugin);
 // Bytes the process may still take; UINT64_MAX when nothing tells.
 uint64_t memoryAvailable();
 
+// The most memory this process has held at once (its peak resident size).
+uint64_t peakMemory();
+
 // "2G", "512M", "1.5T", "1048576": a positive size with an optional K, M,
 // G or T (powers of 1024) and an optional trailing "B" or "iB".
 bool parseMemorySize(const std::string& text, uint64_t* bytes);

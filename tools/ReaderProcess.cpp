@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <new>
 #include <vector>
 
@@ -28,7 +29,8 @@ const uint32_t kMaxPathBytes = 1 << 16;
 const size_t kDateBytes = 32;
 
 volatile sig_atomic_t readerPid = 0;
-int requestFd = -1;  // the tool's ends
+uint64_t idleResident = 0;  // the reader's resident size before its last read
+int requestFd = -1;         // the tool's ends
 int answerFd = -1;
 
 struct Request {
@@ -52,8 +54,21 @@ struct Answer {
     float pixelAspect;
     int32_t depth;
     uint64_t sampleBytes;
+    uint64_t idleResident;  // the reader's resident size when the request came
     char dateTime[kDateBytes];
 };
+
+// A "Name: N kB" field of a /proc status file, in bytes; 0 when absent.
+uint64_t statusField(const std::string& file, const std::string& field) {
+    std::ifstream status(file);
+    std::string name;
+    uint64_t kibibytes = 0;
+    while (status >> name) {
+        if (name == field && status >> kibibytes) return kibibytes * 1024;
+        status.ignore(1 << 12, '\n');
+    }
+    return 0;
+}
 
 bool writeAll(int fd, const void* data, size_t size) {
     const auto* bytes = static_cast<const unsigned char*>(data);
@@ -156,6 +171,7 @@ bool startReader(std::string* error) {
 bool receive(RunStatus* status, FilePixels* picture, int* depth) {
     Answer answer;
     if (!readAll(answerFd, &answer, sizeof answer)) return false;
+    idleResident = answer.idleResident;
     std::string message(answer.messageBytes, '\0');
     if (answer.messageBytes && !readAll(answerFd, &message[0], message.size())) return false;
     if (answer.code != 0) {
@@ -189,6 +205,8 @@ bool receive(RunStatus* status, FilePixels* picture, int* depth) {
 
 // The reader's answer to one request.
 bool answerRequest(const std::string& path, const ReadRequest& request) {
+    // Everything of the previous read is freed by now: what is left is the reader itself.
+    const uint64_t idle = statusField("/proc/self/status", "VmRSS:");
     FilePixels picture;
     int depth = 0;
     RunStatus status;
@@ -201,6 +219,7 @@ bool answerRequest(const std::string& path, const ReadRequest& request) {
             RunStatus::failure(ExitCode::Input, "cannot read input " + path + ": " + error.what());
     }
     Answer answer = {};
+    answer.idleResident = idle;
     answer.code = static_cast<int32_t>(status.code);
     answer.messageBytes = static_cast<uint32_t>(status.message.size());
     const void* samples = nullptr;
@@ -271,6 +290,13 @@ int serveReaderRequests() {
     }
     return 0;
 }
+
+uint64_t readerPeakMemory() {
+    const pid_t pid = readerPid;
+    return pid > 0 ? statusField("/proc/" + std::to_string(pid) + "/status", "VmHWM:") : 0;
+}
+
+uint64_t readerIdleMemory() { return idleResident; }
 
 void stopReaderProcess() {
     const pid_t pid = readerPid;

@@ -14,6 +14,7 @@
 // request pipe or dies (it is killed with its parent).
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "FilePixels.h"
@@ -29,6 +30,13 @@ RunStatus readInReaderProcess(const std::string& path, const ReadRequest& reques
 // The reader's side: serves requests until its request pipe closes. Returns
 // the process's exit code.
 int serveReaderRequests();
+
+// The reader's peak resident size so far (0 when none runs), and its
+// resident size between reads, as it was before the last one: what it keeps
+// from frame to frame. (Its peak moves by a few pages over a long run as the
+// image library's own threads touch memory, even when nothing is kept.)
+uint64_t readerPeakMemory();
+uint64_t readerIdleMemory();
 
 // Kills the reader. Async-signal-safe.
 void stopReaderProcess();

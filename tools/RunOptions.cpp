@@ -74,7 +74,7 @@ options:
                          12-bit host; within 0.1% of value + 1/64)
   --max-memory SIZE      memory a frame may need (512M, 8G, ...); default: what
                          the machine has free. A larger frame is refused (exit 3)
-  --verbose              report each frame and its animated values
+  --verbose              report each frame, its animated values and the peak memory
   --quiet                drop the plug-in's console output and messages (a crash
                          or a sanitizer report still shows)
   --help

@@ -208,8 +208,11 @@ RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
         status = writeImage(name, session.width(), session.height(), samples, picture.dateTime);
         if (!status.ok()) break;
         if (options.verbose)
-            std::printf("frame %u: %s%s%s\n", frame, name.c_str(), animated.empty() ? "" : "  ",
-                        animated.c_str());
+            std::printf(
+                "frame %u: %s%s%s  (peak memory: tool %s, reader %s; reader between frames %s)\n",
+                frame, name.c_str(), animated.empty() ? "" : "  ", animated.c_str(),
+                memoryText(peakMemory()).c_str(), memoryText(readerPeakMemory()).c_str(),
+                memoryText(readerIdleMemory()).c_str());
         progress.advance(static_cast<int>(i + 1), frame);
     }
     progress.finish();
