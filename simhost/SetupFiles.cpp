@@ -7,8 +7,15 @@
 // significant digits so that they read back bit for bit; string values escape
 // backslash and newline. A load reads the whole file before it changes
 // anything, so a missing or malformed file leaves every value as it was.
-#include <unistd.h>
+// Every value is checked as the tool checks one given on its command line
+// (RecordValues.h), against the loaded plug-in's record: a float's range and
+// finiteness, an integer's range, a menu index against its entries, 0 or 1
+// for a check box, a text's length, a key's frame (from 0) and value. The
+// first value that fails is reported with the file, the line and what is
+// valid. Only regular files are read (a pipe would hang the load).
+#include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -18,6 +25,8 @@
 
 #include "CallText.h"
 #include "ControlRecords.h"
+#include "OutputFile.h"
+#include "RecordValues.h"
 #include "SimHost.h"
 
 using simhost::argText;
@@ -30,11 +39,16 @@ const char kHeader[] = "simhost set-up 1";
 const char kKeyKind[] = "Key";
 const int kFloatDigits = 9;  // enough for a float to read back unchanged
 
+// One line of a set-up, with its value checked and converted.
 struct Entry {
     std::string kind;
     int number = 0;
     int frame = 0;      // keys only
     std::string value;  // as written
+    float real = 0.0f;  // Float, UserFloat, Key
+    int whole = 0;      // Int, Pup, Boolean
+    unsigned long colour = 0;
+    std::string text;  // String, unescaped
 };
 
 std::string escape(const char* text, size_t limit) {
@@ -85,39 +99,22 @@ std::string valueText(const std::string& kind, void* address) {
     return "";
 }
 
-// Checks that text is a whole value of the kind.
-bool validValue(const std::string& kind, const std::string& text) {
-    if (kind == "String") return text.size() >= 2 && text.front() == '"' && text.back() == '"';
-    if (text.empty()) return false;
-    char* end = nullptr;
-    errno = 0;
-    if (kind == "Float" || kind == "UserFloat" || kind == kKeyKind)
-        std::strtof(text.c_str(), &end);
-    else if (kind == "Color")
-        std::strtoul(text.c_str(), &end, 10);
-    else
-        std::strtol(text.c_str(), &end, 10);
-    return errno == 0 && end && *end == '\0';
-}
-
-void applyValue(const std::string& kind, void* address, const std::string& text) {
-    if (kind == "Float") {
-        static_cast<SparkFloatStruct*>(address)->Value = std::strtof(text.c_str(), nullptr);
-    } else if (kind == "UserFloat") {
-        static_cast<SparkUserFloatStruct*>(address)->Value = std::strtof(text.c_str(), nullptr);
-    } else if (kind == "Int") {
-        static_cast<SparkIntStruct*>(address)->Value = std::atoi(text.c_str());
-    } else if (kind == "Pup") {
-        static_cast<SparkPupStruct*>(address)->Value = std::atoi(text.c_str());
-    } else if (kind == "Boolean") {
-        static_cast<SparkBooleanStruct*>(address)->Value =
-            static_cast<char>(std::atoi(text.c_str()));
-    } else if (kind == "Color") {
-        static_cast<SparkColorStruct*>(address)->Color = std::strtoul(text.c_str(), nullptr, 10);
-    } else if (kind == "String") {
+void applyValue(const Entry& entry, void* address) {
+    if (entry.kind == "Float") {
+        static_cast<SparkFloatStruct*>(address)->Value = entry.real;
+    } else if (entry.kind == "UserFloat") {
+        static_cast<SparkUserFloatStruct*>(address)->Value = entry.real;
+    } else if (entry.kind == "Int") {
+        static_cast<SparkIntStruct*>(address)->Value = entry.whole;
+    } else if (entry.kind == "Pup") {
+        static_cast<SparkPupStruct*>(address)->Value = entry.whole;
+    } else if (entry.kind == "Boolean") {
+        static_cast<SparkBooleanStruct*>(address)->Value = static_cast<char>(entry.whole);
+    } else if (entry.kind == "Color") {
+        static_cast<SparkColorStruct*>(address)->Color = entry.colour;
+    } else if (entry.kind == "String") {
         auto* record = static_cast<SparkStringStruct*>(address);
-        const std::string value = unescape(text.substr(1, text.size() - 2));
-        std::snprintf(record->Value, sizeof record->Value, "%s", value.c_str());
+        std::snprintf(record->Value, sizeof record->Value, "%s", entry.text.c_str());
     }
 }
 
@@ -131,7 +128,140 @@ bool parseLine(const std::string& line, Entry* entry) {
         return false;
     in >> std::ws;
     std::getline(in, entry->value);
-    return validValue(entry->kind, entry->value);
+    return true;
+}
+
+// The text of a title before ':' or its printf field, without blanks.
+std::string titleName(const char* title) {
+    if (!title) return "";
+    std::string name = title;
+    name = name.substr(0, std::min(name.find(':'), name.find('%')));
+    while (!name.empty() && name.back() == ' ') name.pop_back();
+    while (!name.empty() && name.front() == ' ') name.erase(0, 1);
+    return name;
+}
+
+// "SparkFloat6 (Radial1)", for messages.
+std::string recordLabel(const std::string& kind, int number, void* address) {
+    std::string name;
+    if (address) {
+        if (kind == "Float") name = titleName(static_cast<SparkFloatStruct*>(address)->Title);
+        if (kind == "UserFloat")
+            name = titleName(static_cast<SparkUserFloatStruct*>(address)->Title);
+        if (kind == "Int") name = titleName(static_cast<SparkIntStruct*>(address)->Title);
+        if (kind == "Boolean") name = titleName(static_cast<SparkBooleanStruct*>(address)->Title);
+        if (kind == "String") name = titleName(static_cast<SparkStringStruct*>(address)->Title);
+        if (kind == "Pup") {
+            const auto* record = static_cast<SparkPupStruct*>(address);
+            if (record->TitleCount > 0 && record->Titles[0] && std::strchr(record->Titles[0], ':'))
+                name = titleName(record->Titles[0]);
+        }
+    }
+    const std::string symbol = recordSymbol(kind, number);
+    return name.empty() ? symbol : symbol + " (" + name + ")";
+}
+
+std::string floatProblem(ValueCheck check, float min, float max) {
+    if (check == ValueCheck::OutOfRange) return " is outside its range " + rangeText(min, max);
+    if (check == ValueCheck::NotFinite) return " is not a finite number";
+    return " is not a number";
+}
+
+// The float record a key belongs to, or null.
+void* keyedRecord(const Host& host, int number, std::string* kind) {
+    if (!host.plugin) return nullptr;
+    for (const char* candidate : {"Float", "UserFloat"}) {
+        if (void* address = host.plugin->symbol(recordSymbol(candidate, number).c_str())) {
+            *kind = candidate;
+            return address;
+        }
+    }
+    return nullptr;
+}
+
+void floatRange(const std::string& kind, void* address, float* min, float* max) {
+    *min = *max = 0.0f;  // no record: any finite number
+    if (kind == "Float") {
+        *min = static_cast<SparkFloatStruct*>(address)->Min;
+        *max = static_cast<SparkFloatStruct*>(address)->Max;
+    } else if (kind == "UserFloat") {
+        *min = static_cast<SparkUserFloatStruct*>(address)->Min;
+        *max = static_cast<SparkUserFloatStruct*>(address)->Max;
+    }
+}
+
+// Checks an entry's value the way the tool checks one given on its command
+// line, against the loaded plug-in's record; empty when fine, else what is wrong.
+std::string checkEntry(const Host& host, Entry* entry) {
+    if (entry->kind == kKeyKind) {
+        std::string kind;
+        void* address = keyedRecord(host, entry->number, &kind);
+        const std::string label =
+            "key of " + (address ? recordLabel(kind, entry->number, address)
+                                 : "control " + std::to_string(entry->number));
+        if (entry->frame < 0)
+            return label + " at frame " + std::to_string(entry->frame) + ": key frames run from 0";
+        float min, max;
+        floatRange(kind, address, &min, &max);
+        const ValueCheck check = checkFloatText(entry->value, min, max, &entry->real);
+        return check == ValueCheck::Fine
+                   ? ""
+                   : label + " = " + entry->value + floatProblem(check, min, max);
+    }
+    void* address = host.plugin
+                        ? host.plugin->symbol(recordSymbol(entry->kind, entry->number).c_str())
+                        : nullptr;
+    const std::string label =
+        recordLabel(entry->kind, entry->number, address) + " = " + entry->value;
+    if (entry->kind == "Float" || entry->kind == "UserFloat") {
+        float min = 0.0f, max = 0.0f;
+        if (address) floatRange(entry->kind, address, &min, &max);
+        const ValueCheck check = checkFloatText(entry->value, min, max, &entry->real);
+        return check == ValueCheck::Fine ? "" : label + floatProblem(check, min, max);
+    }
+    if (entry->kind == "Int") {
+        const auto* record = static_cast<SparkIntStruct*>(address);
+        const int min = record ? record->Min : 0;
+        const int max = record ? record->Max : 0;
+        const ValueCheck check = checkIntText(entry->value, min, max, &entry->whole);
+        if (check == ValueCheck::Fine) return "";
+        return label + (check == ValueCheck::OutOfRange
+                            ? " is outside its range " + rangeText(min, max)
+                            : " is not a whole number");
+    }
+    if (entry->kind == "Pup") {
+        const auto* record = static_cast<SparkPupStruct*>(address);
+        const int count = record ? std::clamp(record->TitleCount, 0, SPARK_MAX_PUP_TITLES) : 0;
+        if (checkIntText(entry->value, 0, 0, &entry->whole) != ValueCheck::Fine)
+            return label + " is not an entry number";
+        if (record && (entry->whole < 0 || entry->whole >= count))
+            return label + " is not one of its entries (0 .. " + std::to_string(count - 1) + ")";
+        return "";
+    }
+    if (entry->kind == "Boolean") {
+        if (entry->value == "0" || entry->value == "1") {
+            entry->whole = entry->value[0] - '0';
+            return "";
+        }
+        return label + ": a check box holds 0 or 1";
+    }
+    if (entry->kind == "Color") {
+        return checkColourText(entry->value, &entry->colour) == ValueCheck::Fine
+                   ? ""
+                   : label + " is not a colour number";
+    }
+    if (entry->kind == "String") {
+        const std::string& value = entry->value;
+        if (value.size() < 2 || value.front() != '"' || value.back() != '"')
+            return label + ": a text value is written in double quotes";
+        entry->text = unescape(value.substr(1, value.size() - 2));
+        const size_t limit = sizeof(SparkStringStruct::Value) - 1;
+        if (entry->text.size() > limit || entry->text.find('\0') != std::string::npos)
+            return recordLabel(entry->kind, entry->number, address) + " holds at most " +
+                   std::to_string(limit) + " characters";
+        return "";
+    }
+    return label + ": unknown kind of record";
 }
 
 bool saveSetupFile(const Host& host, const std::string& name, std::string* error) {
@@ -152,20 +282,30 @@ bool saveSetupFile(const Host& host, const std::string& name, std::string* error
             text << kKeyKind << " " << control.first << " " << key.first << " "
                  << floatText(key.second) << "\n";
 
-    // A reader never sees half a file: write aside, then rename over the name.
-    const std::string temporary = name + ".tmp" + std::to_string(getpid());
-    std::ofstream out(temporary, std::ios::trunc);
-    out << text.str();
-    out.close();
-    if (!out || std::rename(temporary.c_str(), name.c_str()) != 0) {
-        *error = "cannot write set-up file " + name + ": " + std::strerror(errno);
-        std::remove(temporary.c_str());
+    // A reader never sees half a file, and a full disk is an error, not a short set-up.
+    const std::string content = text.str();
+    OutputFile out;
+    std::string reason;
+    if (!out.open(name, &reason) || !out.write(content.data(), content.size()) ||
+        !out.commit(&reason)) {
+        if (reason.empty()) reason = out.failure();
+        *error = "cannot write set-up file " + name + ": " + reason;
         return false;
     }
     return true;
 }
 
 bool loadSetupFile(Host& host, const std::string& name, std::string* error) {
+    // A pipe or a device would hang the read or never end it.
+    struct stat status;
+    if (stat(name.c_str(), &status) != 0) {
+        *error = "cannot read set-up file " + name + ": " + std::strerror(errno);
+        return false;
+    }
+    if (!S_ISREG(status.st_mode)) {
+        *error = "set-up file " + name + " is not a regular file";
+        return false;
+    }
     std::ifstream in(name);
     if (!in) {
         *error = "cannot read set-up file " + name + ": " + std::strerror(errno);
@@ -179,9 +319,16 @@ bool loadSetupFile(Host& host, const std::string& name, std::string* error) {
     std::vector<Entry> entries;
     for (int lineNumber = 2; std::getline(in, line); ++lineNumber) {
         if (line.empty()) continue;
+        const std::string where = "set-up file " + name + ", line " + std::to_string(lineNumber);
         Entry entry;
         if (!parseLine(line, &entry)) {
-            *error = "bad line " + std::to_string(lineNumber) + " in set-up file " + name;
+            *error =
+                where + ": not \"<kind> <number> <value>\" or \"Key <number> <frame> <value>\"";
+            return false;
+        }
+        const std::string problem = checkEntry(host, &entry);
+        if (!problem.empty()) {
+            *error = where + ": " + problem;
             return false;
         }
         entries.push_back(entry);
@@ -194,11 +341,11 @@ bool loadSetupFile(Host& host, const std::string& name, std::string* error) {
     std::map<int, std::map<int, float>> keys;
     for (const Entry& entry : entries) {
         if (entry.kind == kKeyKind) {
-            keys[entry.number][entry.frame] = std::strtof(entry.value.c_str(), nullptr);
+            keys[entry.number][entry.frame] = entry.real;
         } else if (host.plugin) {
             // Records the plug-in no longer has are skipped, as with an older set-up.
             if (void* address = host.plugin->symbol(recordSymbol(entry.kind, entry.number).c_str()))
-                applyValue(entry.kind, address, entry.value);
+                applyValue(entry, address);
         }
     }
     host.curveKeys = keys;

@@ -1,6 +1,8 @@
 // Naming, listing and setting the plug-in's control records.
 #include "ControlTable.h"
 
+#include <RecordValues.h>
+
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
@@ -91,15 +93,6 @@ std::string joined(const std::vector<std::string>& items, const std::string& sep
     return out;
 }
 
-bool parseDouble(const std::string& text, double* value) {
-    const std::string clean = trimmed(text);
-    if (clean.empty()) return false;
-    char* end = nullptr;
-    errno = 0;
-    *value = std::strtod(clean.c_str(), &end);
-    return errno == 0 && end && *end == '\0' && std::isfinite(*value);
-}
-
 bool parseLong(const std::string& text, long* value) {
     const std::string clean = trimmed(text);
     if (clean.empty()) return false;
@@ -128,10 +121,33 @@ FloatFields floatFields(const Control& control) {
     return {&record->Value, record->Min, record->Max, record->Increment, safeText(record->Title)};
 }
 
-std::string rangeText(double min, double max) {
-    char text[96];
-    std::snprintf(text, sizeof text, "%g .. %g", min, max);
-    return text;
+// The message for a number the record refuses, naming the rule it broke.
+RunStatus valueRefused(const Control& control, const std::string& value,
+                       simhost::ValueCheck check) {
+    switch (check) {
+        case simhost::ValueCheck::OutOfRange: {
+            double min = 0.0, max = 0.0;
+            if (control.kind == ControlKind::Integer) {
+                const auto* record = static_cast<const SparkIntStruct*>(control.record);
+                min = record->Min;
+                max = record->Max;
+            } else {
+                const FloatFields fields = floatFields(control);
+                min = fields.min;
+                max = fields.max;
+            }
+            return usage(control.name + " = " + value + " is outside its range " +
+                         simhost::rangeText(min, max));
+        }
+        case simhost::ValueCheck::NotFinite:
+            return usage(control.name + " takes a finite number, not \"" + value + "\"");
+        default:
+            break;
+    }
+    return usage(
+        control.name +
+        (control.kind == ControlKind::Integer ? " takes a whole number" : " takes a number") +
+        ", not \"" + value + "\"");
 }
 }  // namespace
 
@@ -232,25 +248,20 @@ RunStatus ControlTable::assign(const Control& control, const std::string& text) 
     switch (control.kind) {
         case ControlKind::Float: {
             const FloatFields fields = floatFields(control);
-            double number = 0.0;
-            if (!parseDouble(value, &number))
-                return usage(control.name + " takes a number, not \"" + value + "\"");
-            const float single = static_cast<float>(number);
-            if (fields.min < fields.max && (single < fields.min || single > fields.max))
-                return usage(control.name + " = " + value + " is outside its range " +
-                             rangeText(fields.min, fields.max));
-            *fields.value = single;
+            float number = 0.0f;
+            const simhost::ValueCheck check =
+                simhost::checkFloatText(value, fields.min, fields.max, &number);
+            if (check != simhost::ValueCheck::Fine) return valueRefused(control, value, check);
+            *fields.value = number;
             return RunStatus::success();
         }
         case ControlKind::Integer: {
             auto* record = static_cast<SparkIntStruct*>(control.record);
-            long number = 0;
-            if (!parseLong(value, &number) || number < INT_MIN || number > INT_MAX)
-                return usage(control.name + " takes a whole number, not \"" + value + "\"");
-            if (record->Min < record->Max && (number < record->Min || number > record->Max))
-                return usage(control.name + " = " + value + " is outside its range " +
-                             rangeText(record->Min, record->Max));
-            record->Value = static_cast<int>(number);
+            int number = 0;
+            const simhost::ValueCheck check =
+                simhost::checkIntText(value, record->Min, record->Max, &number);
+            if (check != simhost::ValueCheck::Fine) return valueRefused(control, value, check);
+            record->Value = number;
             return RunStatus::success();
         }
         case ControlKind::Menu: {
@@ -286,10 +297,8 @@ RunStatus ControlTable::assign(const Control& control, const std::string& text) 
             return RunStatus::success();
         }
         case ControlKind::Colour: {
-            char* end = nullptr;
-            errno = 0;
-            const unsigned long number = std::strtoul(value.c_str(), &end, 0);
-            if (value.empty() || value[0] == '-' || errno || !end || *end)
+            unsigned long number = 0;
+            if (simhost::checkColourText(value, &number) != simhost::ValueCheck::Fine)
                 return usage(control.name + " takes a colour number, not \"" + value + "\"");
             static_cast<SparkColorStruct*>(control.record)->Color = number;
             return RunStatus::success();
@@ -327,19 +336,32 @@ RunStatus ControlTable::parseKey(const std::string& text, const Control** contro
     if (!parseLong(text.substr(at + 1, equals - at - 1), &keyFrame) || keyFrame < 0 ||
         keyFrame > INT_MAX)
         return usage("bad key frame in \"" + text + "\": use a whole frame number from 0");
-    double number = 0.0;
     const std::string valueText = trimmed(text.substr(equals + 1));
-    if (!parseDouble(valueText, &number))
-        return usage(found->name + " takes a number, not \"" + valueText + "\"");
     const FloatFields fields = floatFields(*found);
-    const float single = static_cast<float>(number);
-    if (fields.min < fields.max && (single < fields.min || single > fields.max))
-        return usage(found->name + " = " + valueText + " is outside its range " +
-                     rangeText(fields.min, fields.max));
+    float single = 0.0f;
+    const simhost::ValueCheck check =
+        simhost::checkFloatText(valueText, fields.min, fields.max, &single);
+    if (check != simhost::ValueCheck::Fine) return valueRefused(*found, valueText, check);
     *control = found;
     *frame = static_cast<int>(keyFrame);
     *value = single;
     return RunStatus::success();
+}
+
+std::vector<std::pair<const Control*, float>> ControlTable::keyedValues(
+    const simhost::Host& host) const {
+    std::vector<std::pair<const Control*, float>> values;
+    for (const Control& control : controls_) {
+        if (control.kind != ControlKind::Float) continue;
+        const auto keys = host.curveKeys.find(control.number);
+        if (keys != host.curveKeys.end() && !keys->second.empty())
+            values.emplace_back(&control, *floatFields(control).value);
+    }
+    return values;
+}
+
+void ControlTable::setValue(const Control& control, float value) const {
+    if (control.kind == ControlKind::Float) *floatFields(control).value = value;
 }
 
 std::string ControlTable::applyCurves(const simhost::Host& host, unsigned frame) const {
@@ -393,14 +415,15 @@ std::string ControlTable::listing() const {
         switch (control.kind) {
             case ControlKind::Float: {
                 const FloatFields fields = floatFields(control);
-                detail = fields.min < fields.max ? "number, " + rangeText(fields.min, fields.max)
-                                                 : "number";
+                detail = fields.min < fields.max
+                             ? "number, " + simhost::rangeText(fields.min, fields.max)
+                             : "number";
                 break;
             }
             case ControlKind::Integer: {
                 const auto* record = static_cast<SparkIntStruct*>(control.record);
                 detail = record->Min < record->Max
-                             ? "whole number, " + rangeText(record->Min, record->Max)
+                             ? "whole number, " + simhost::rangeText(record->Min, record->Max)
                              : "whole number";
                 break;
             }

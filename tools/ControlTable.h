@@ -19,6 +19,7 @@
 #include <SimHost.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "RunStatus.h"
@@ -51,6 +52,11 @@ class ControlTable {
     // "Name@Frame=Value": checks the key of an animatable float control.
     RunStatus parseKey(const std::string& text, const Control** control, int* frame,
                        float* value) const;
+
+    // Each keyed float control with its record's current Value.
+    std::vector<std::pair<const Control*, float>> keyedValues(const simhost::Host& host) const;
+    // Writes a float control's record Value.
+    void setValue(const Control& control, float value) const;
 
     // Writes each keyed float record's Value := its curve at frame; returns
     // "Name=value" for each, blank-separated, for the verbose log.

@@ -4,11 +4,15 @@
 // (0..65535, an 8-bit file's v as v * 257); floating files as floats where
 // 0.0 is black and 1.0 full scale (values outside are kept; conversions clamp).
 // bitsPerSample records the file's own depth so the host depth can follow it;
-// pixelAspect is the file's pixel aspect ratio (1 when it states none).
+// pixelAspect is the file's pixel aspect ratio (1 when it states none);
+// dateTime the file's own date ("YYYY:MM:DD HH:MM:SS", its DateTime or else
+// its modification time in UTC), which outputs made from it carry, so that
+// the same frame rendered twice gives the same bytes.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 const int kRgbChannels = 3;
@@ -19,6 +23,7 @@ struct FilePixels {
     bool isFloat = false;
     int bitsPerSample = 8;
     float pixelAspect = 1.0f;
+    std::string dateTime;
     std::vector<uint16_t> words;  // 3 per pixel when !isFloat
     std::vector<float> reals;     // 3 per pixel when isFloat
 

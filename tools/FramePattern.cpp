@@ -10,6 +10,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "OutputFile.h"
+
 namespace {
 const int kMaxPadding = 10;  // an unsigned frame number has at most 10 digits
 const unsigned kMaxFrameCount = 1000000;
@@ -50,7 +52,11 @@ bool FramePattern::parse(const std::string& name, FramePattern* pattern, std::st
                 *error = "bad frame field in " + name + ": use %d, %0Nd or a run of #";
                 return false;
             }
-            padding = width.empty() ? 0 : std::atoi(width.c_str());
+            // printf reads the leading zeros as the flag and the rest as the width;
+            // a width of many digits would overflow an int.
+            const size_t digits = width.find_first_not_of('0');
+            const std::string figure = digits == std::string::npos ? "" : width.substr(digits);
+            padding = figure.size() > 2 ? kMaxPadding + 1 : std::atoi(figure.c_str());
             ++end;
         } else {
             continue;
@@ -91,6 +97,8 @@ std::vector<unsigned> FramePattern::existingFrames() const {
     if (!dir) return frames;
     while (const dirent* entry = readdir(dir)) {
         const std::string name = entry->d_name;
+        // A half-written frame of this or another run is not a frame.
+        if (simhost::isTemporaryName(name)) continue;
         if (name.size() <= head.size() + suffix_.size()) continue;
         if (name.compare(0, head.size(), head) != 0) continue;
         if (name.compare(name.size() - suffix_.size(), suffix_.size(), suffix_) != 0) continue;

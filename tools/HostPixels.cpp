@@ -39,12 +39,17 @@ size_t hostFrameBytes(int width, int height, int depth) {
     return pixels * (depth == kHostDepth12 ? kBytesPerPixel12 : kBytesPerPixel8);
 }
 
-void fillHostFrame(const FilePixels& picture, int depth, unsigned char* buffer) {
+void fillHostFrame(const FilePixels& picture, int depth, unsigned char* buffer,
+                   FloatEncoding encoding) {
     const size_t samples = picture.sampleCount();
+    const bool logCurve = encoding == FloatEncoding::Log;
     if (depth == kHostDepth12) {
         for (size_t i = 0; i < samples; ++i) {
-            const int v = picture.isFloat ? twelveFromFloat(picture.reals[i])
-                                          : twelveFromSixteen(picture.words[i]);
+            int v;
+            if (!picture.isFloat)
+                v = twelveFromSixteen(picture.words[i]);
+            else
+                v = logCurve ? twelveFromLog(picture.reals[i]) : twelveFromFloat(picture.reals[i]);
             storeWord(buffer + kWordBytes * i, static_cast<uint16_t>(v << kTwelveBitShift));
         }
     } else {
@@ -69,7 +74,7 @@ const void* RgbSamples::data() const {
 }
 
 RgbSamples readHostFrame(const unsigned char* buffer, int width, int height, int depth,
-                         SampleType type) {
+                         SampleType type, FloatEncoding encoding) {
     RgbSamples result;
     result.type = type;
     const size_t samples = static_cast<size_t>(width) * static_cast<size_t>(height) * kRgbChannels;
@@ -97,7 +102,11 @@ RgbSamples readHostFrame(const unsigned char* buffer, int width, int height, int
                     static_cast<uint16_t>(deep ? sixteenFromTwelve(v) : sixteenFromEight(v));
                 break;
             case SampleType::Float:
-                result.floats[i] = deep ? floatFromTwelve(v) : floatFromEight(v);
+                if (!deep)
+                    result.floats[i] = floatFromEight(v);
+                else
+                    result.floats[i] =
+                        encoding == FloatEncoding::Log ? logFromTwelve(v) : floatFromTwelve(v);
                 break;
         }
     }

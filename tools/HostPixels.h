@@ -13,6 +13,8 @@
 //   float f  -> 12-bit  (int)(clamp(f, 0, 1) * 4095 + 0.5), NaN as 0
 //   float f  -> 8-bit   (int)(clamp(f, 0, 1) * 255 + 0.5), NaN as 0
 //   12-bit v -> float   v / 4095;  8-bit v -> float  v / 255
+// Float samples may instead go through the log curve of FloatEncoding.h
+// (12-bit frames only).
 // A 16-bit file therefore comes back within half a 12-bit step (about 8 of
 // 65535) after a 12-bit round trip; an 8-bit file comes back exactly.
 #pragma once
@@ -21,6 +23,7 @@
 #include <vector>
 
 #include "FilePixels.h"
+#include "FloatEncoding.h"
 
 const int kHostDepth8 = 24;   // bits per pixel of the 8-bit host format
 const int kHostDepth12 = 48;  // bits per pixel of the 12-bit host format
@@ -43,7 +46,8 @@ float floatFromEight(int v);
 size_t hostFrameBytes(int width, int height, int depth);
 
 // Writes the picture into a host buffer of the same size at depth 24 or 48.
-void fillHostFrame(const FilePixels& picture, int depth, unsigned char* buffer);
+void fillHostFrame(const FilePixels& picture, int depth, unsigned char* buffer,
+                   FloatEncoding encoding = FloatEncoding::Linear);
 
 // The sample type a result is written to a file in.
 enum class SampleType { Eight, Sixteen, Float };
@@ -58,4 +62,4 @@ struct RgbSamples {
 };
 
 RgbSamples readHostFrame(const unsigned char* buffer, int width, int height, int depth,
-                         SampleType type);
+                         SampleType type, FloatEncoding encoding = FloatEncoding::Linear);

@@ -5,10 +5,22 @@
 // ...): the first subimage, greyscale expanded to RGB, alpha and further
 // channels dropped. A frame must be 1..kMaxFrameSide pixels on each side and
 // its host buffer at most kMaxFrameBytes bytes (the host's FrameBytes is an
-// int). Writing goes to a hidden temporary name in the output's folder and is
-// renamed into place only when complete, so a failure leaves no file.
+// int). Decoding runs in a reader process (ReaderProcess.h), so that a
+// library that aborts on a damaged file cannot take the tool with it; any
+// error or warning the decoder reports (a premature end, a failed strip) and
+// a cut-off DPX or Cineon file (FileHeaders.h) fail the read, so a partly
+// decoded file never becomes a frame. The frame's memory is estimated from
+// the header before a pixel is decoded (FrameMemory.h).
+//
+// Writing goes to an exclusively created temporary in the output's folder
+// (simhost::OutputFile) through a checked stream, and is renamed into place
+// only when the writer, the sync and the close all succeeded, so a failure
+// (a full disk, a size limit) leaves neither the output nor a temporary.
+// Writers that cannot write to a stream (a few rare formats) write the
+// temporary by its name and the result is read back before it is kept.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "FilePixels.h"
@@ -22,12 +34,35 @@ const long long kMaxFrameBytes = 2147483647LL;  // largest int
 // floating, else 24; a non-zero requestedDepth wins.
 int hostDepthFor(int fileBits, bool isFloat, int requestedDepth);
 
+struct ReadRequest {
+    int requestedDepth = 0;      // host depth 24 or 48; 0 follows the file
+    uint64_t memoryLimit = 0;    // bytes a frame may need; 0: not checked
+    bool limitIsOption = false;  // the limit came from --max-memory
+    bool forProcessing = false;  // the estimate includes the plug-in and the output
+    int expectWidth = 0;         // non-zero: the file must be this size
+    int expectHeight = 0;
+};
+
 // Reads path. The size limits are checked against the host depth that will be
 // used (requestedDepth, or the file's own when 0), reported in *depth.
+RunStatus readImage(const std::string& path, const ReadRequest& request, FilePixels* picture,
+                    int* depth);
+// The same for a picture that is only read (compared, put side by side),
+// checked against the memory available.
 RunStatus readImage(const std::string& path, int requestedDepth, FilePixels* picture, int* depth);
 
+// The decode itself, in this process: what the reader process runs.
+RunStatus decodeImage(const std::string& path, const ReadRequest& request, FilePixels* picture,
+                      int* depth);
+
+// Sets up OpenImageIO for this tool: everything on the calling thread, so
+// that pictures come out the same whatever the machine.
+void configureImageLibrary();
+
 // Checks before any work that a file can be made at path: its folder exists
-// and is writable and path is not a folder.
+// and is writable, path is not a folder, and its name fits the folder's
+// file system (a name component of at most NAME_MAX bytes, the whole path
+// below PATH_MAX).
 RunStatus checkOutputFolder(const std::string& path);
 
 // Checks before any work that path can be written: its folder exists and is
@@ -39,5 +74,8 @@ RunStatus checkOutputPath(const std::string& path);
 // only 8 bits and for 8-bit hosts, 16-bit otherwise.
 SampleType outputSampleType(const std::string& path, int hostDepth);
 
-// Writes an RGB picture of width x height whose samples are in result.
-RunStatus writeImage(const std::string& path, int width, int height, const RgbSamples& result);
+// Writes an RGB picture of width x height whose samples are in result. A
+// non-empty dateTime is stored as the picture's date (formats that stamp
+// one otherwise stamp the time of writing).
+RunStatus writeImage(const std::string& path, int width, int height, const RgbSamples& result,
+                     const std::string& dateTime = "");

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "FrameMemory.h"
 #include "HostPixels.h"
 
 namespace {
@@ -65,11 +66,27 @@ options:
   --save-setup FILE      save every control value and key at the end
   --list-controls        print every control with its value and range or entries
   --threads N            processors the host offers the plug-in
-  --verbose              report each frame and its animated values
-  --quiet                drop the plug-in's console output and messages
+  --float-encoding linear|log
+                         how float (scene-linear) inputs enter the 12-bit host:
+                         linear clips to 0..1 (and says how many pixels it
+                         clipped); log carries 0..64 on a log curve and undoes it
+                         on output (float input and float output such as .exr,
+                         12-bit host; within 0.1% of value + 1/64)
+  --max-memory SIZE      memory a frame may need (512M, 8G, ...); default: what
+                         the machine has free. A larger frame is refused (exit 3)
+  --verbose              report each frame, its animated values and the peak memory
+  --quiet                drop the plug-in's console output and messages (a crash
+                         or a sanitizer report still shows)
   --help
 
-exit codes: 0 done, 2 usage, 3 input, 4 output, 5 plug-in, 6 processing
+exit codes: 0 done; 2 usage (bad option, control name or value); 3 input
+(missing, unreadable, damaged or cut-off image or set-up, a frame too large
+or needing more memory than allowed); 4 output (missing folder, name too
+long, unsupported format, write failure such as a full disk); 5 plug-in (not
+a plug-in, declined to start); 6 processing (no frame returned); 7 out of
+memory while working; 8 internal error; 129, 130, 143 stopped by SIGHUP,
+SIGINT, SIGTERM (the file being written is removed); a crash prints a line
+and ends by its signal (128 + N, e.g. 139)
 )";
 }
 
@@ -141,6 +158,12 @@ RunStatus parseCommandLine(int argc, char** argv, RunOptions* options) {
             if (!parseInt(value, &options->processors) || options->processors < 1 ||
                 options->processors > kMaxProcessors)
                 return usage("--threads takes 1 to " + std::to_string(kMaxProcessors));
+        } else if (argument == "--max-memory") {
+            if (!parseMemorySize(value, &options->maxMemory))
+                return usage("--max-memory takes a size such as 512M or 8G, not \"" + value + "\"");
+        } else if (argument == "--float-encoding") {
+            if (!parseFloatEncoding(value, &options->floatEncoding))
+                return usage("--float-encoding takes linear or log, not \"" + value + "\"");
         } else if (argument == "--size") {
             if (!parseSize(value, &options->chartWidth, &options->chartHeight) ||
                 options->chartWidth < 1 || options->chartHeight < 1)

@@ -5,9 +5,11 @@
 // arguments are the input and output (or the files of a utility mode).
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "FloatEncoding.h"
 #include "RunStatus.h"
 
 enum class RunMode { Process, ListControls, MakeChart, SideBySide, Compare, Help };
@@ -22,7 +24,9 @@ struct RunOptions {
     std::vector<std::string> keys;   // "Name@Frame=Value"
     std::string setupPath;
     std::string saveSetupPath;
-    int processors = 0;  // 0: the machine's
+    int processors = 0;      // 0: the machine's
+    uint64_t maxMemory = 0;  // bytes a frame may need; 0: the memory available
+    FloatEncoding floatEncoding = FloatEncoding::Linear;
     bool verbose = false;
     bool quiet = false;
     int chartWidth = 0;  // 0: the default chart size

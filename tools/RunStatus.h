@@ -10,6 +10,10 @@
 //   4 output: missing output folder, unsupported output format, write failure
 //   5 plug-in: not a plug-in, missing entry point, plug-in declined to start
 //   6 processing: SparkProcess returned no frame
+//   7 memory: an allocation failed while working (the frame passed the
+//            estimate, or --max-memory raised the limit)
+//   8 internal: an unexpected exception (a fault in sparkrun or the plug-in)
+// A signal ends a run with 128 + its number (see ProcessSignals.h).
 #pragma once
 
 #include <string>
@@ -21,6 +25,8 @@ enum class ExitCode : int {
     Output = 4,
     Plugin = 5,
     Processing = 6,
+    Memory = 7,
+    Internal = 8,
 };
 
 struct RunStatus {

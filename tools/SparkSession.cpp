@@ -6,6 +6,7 @@
 
 #include "HostPixels.h"
 #include "PluginConsole.h"
+#include "ProcessSignals.h"
 
 namespace {
 const int kOutputBufferId = 1;
@@ -37,6 +38,7 @@ RunStatus SparkSession::load(const std::string& pluginPath) {
     std::string error;
     bool loaded;
     {
+        CrashContext during("while loading the plug-in " + pluginPath);
         PluginConsole console(quiet_);
         // dlopen searches the library path for a name without a slash; a user means a file.
         const bool bare = pluginPath.find('/') == std::string::npos;
@@ -88,6 +90,7 @@ RunStatus SparkSession::start(int width, int height, int depth, float pixelAspec
     unsigned levels;
     int clips;
     {
+        CrashContext during("in the plug-in's SparkInitialise");
         PluginConsole console(quiet_);
         plugin_.memoryTempBuffers();
         clips = plugin_.clips();
@@ -122,13 +125,19 @@ RunStatus SparkSession::process(unsigned frame, unsigned totalFrames, const File
                                       std::to_string(picture.width) + "x" +
                                       std::to_string(picture.height) + ", the sequence is " +
                                       std::to_string(width_) + "x" + std::to_string(height_));
-    fillHostFrame(picture, depth_, host.setBuffer(kInputBufferId, width_, height_, depth_).bytes());
+    fillHostFrame(picture, depth_, host.setBuffer(kInputBufferId, width_, height_, depth_).bytes(),
+                  floatEncoding_);
     host.setBuffer(kOutputBufferId, width_, height_, depth_);
+    if (!valuesTaken_) {
+        unkeyedValues_ = controls_->keyedValues(host);
+        valuesTaken_ = true;
+    }
     *animated = controls_->applyCurves(host, frame);
 
     const SparkInfoStruct info = infoFor(frame, totalFrames, setupPath_);
     unsigned long* returned;
     {
+        CrashContext during("in the plug-in's SparkProcess, frame " + std::to_string(frame));
         PluginConsole console(quiet_);
         plugin_.processStart(info);
         returned = plugin_.process(info);
@@ -157,6 +166,7 @@ RunStatus SparkSession::finish(const std::string& savePath) {
     if (!started_) return RunStatus::success();
     started_ = false;
     simhost::Host& host = simhost::Host::instance();
+    for (const auto& value : unkeyedValues_) controls_->setValue(*value.first, value.second);
     host.setupFiles = !savePath.empty();
     host.setupError.clear();
     host.clearCalls();
@@ -164,6 +174,7 @@ RunStatus SparkSession::finish(const std::string& savePath) {
     if (name.size() >= sizeof(SparkInfoStruct::Name))
         return RunStatus::failure(ExitCode::Usage, "set-up file name too long: " + name);
     {
+        CrashContext during("in the plug-in's SparkUnInitialise");
         PluginConsole console(quiet_);
         plugin_.uninitialise(infoFor(1, 1, name));
     }

@@ -14,6 +14,11 @@
 // What the plug-in reports through sparkError / sparkMessage is passed on to
 // standard error ("plug-in: ..."), unless quiet.
 //
+// A keyed control's record holds its curve's value at the frame being
+// rendered; before the set-up is saved it gets back the value it had before
+// the first frame, so that the saved set-up does not depend on which frames
+// a run rendered (chunks of a sequence save the same set-up as one run).
+//
 // The plug-in stays loaded until the process ends, as in a host that quits
 // with its plug-ins loaded: a plug-in may keep objects for the whole life of
 // its library, which unloading it early would turn into lost memory. One
@@ -24,9 +29,12 @@
 
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "ControlTable.h"
 #include "FilePixels.h"
+#include "FloatEncoding.h"
 #include "RunStatus.h"
 
 class SparkSession {
@@ -34,6 +42,8 @@ class SparkSession {
     SparkSession(bool quiet, int processors);
 
     RunStatus load(const std::string& pluginPath);
+    // How float pictures are put into the host frames (before process).
+    void setFloatEncoding(FloatEncoding encoding) { floatEncoding_ = encoding; }
     RunStatus start(int width, int height, int depth, float pixelAspect,
                     const std::string& setupPath);
     // Valid after start.
@@ -57,6 +67,7 @@ class SparkSession {
     std::string relayMessages();
 
     bool quiet_;
+    FloatEncoding floatEncoding_ = FloatEncoding::Linear;
     simhost::Plugin& plugin_;
     std::unique_ptr<ControlTable> controls_;
     std::string pluginPath_;
@@ -65,4 +76,6 @@ class SparkSession {
     int height_ = 0;
     int depth_ = 0;
     bool started_ = false;
+    std::vector<std::pair<const Control*, float>> unkeyedValues_;  // taken at the first frame
+    bool valuesTaken_ = false;
 };

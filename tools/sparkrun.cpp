@@ -8,15 +8,22 @@
 #include <algorithm>
 #include <climits>
 #include <cstdio>
+#include <ctime>
+#include <new>
 #include <set>
 #include <thread>
 
 #include "ControlTable.h"
+#include "FloatEncoding.h"
+#include "FrameMemory.h"
 #include "FramePattern.h"
 #include "HostPixels.h"
 #include "ImageCompare.h"
 #include "ImageFiles.h"
+#include "OutputFile.h"
+#include "ProcessSignals.h"
 #include "ProgressBar.h"
+#include "ReaderProcess.h"
 #include "RunOptions.h"
 #include "SparkSession.h"
 #include "TestChart.h"
@@ -88,6 +95,19 @@ RunStatus runControlsOnly(const RunOptions& options, const std::string& pluginPa
     return status.ok() ? finished : status;
 }
 
+// Tells how many pixels of a float frame the host frame cannot hold.
+void reportClipped(const ClipCount& clipped, FloatEncoding encoding, const std::string& file) {
+    if (!clipped.pixels) return;
+    const bool linear = encoding == FloatEncoding::Linear;
+    std::fprintf(stderr,
+                 "sparkrun: warning: %s: %zu pixel(s) had values outside 0 .. %g%s and were "
+                 "clipped (largest %g, smallest %g)%s\n",
+                 file.c_str(), clipped.pixels, static_cast<double>(encodingTop(encoding)),
+                 clipped.notNumbers ? " or not numbers" : "", static_cast<double>(clipped.largest),
+                 static_cast<double>(clipped.smallest),
+                 linear ? "; --float-encoding log carries 0 .. 64 through" : "");
+}
+
 // The frames to run and the checks that can be made before any work.
 RunStatus planFrames(const RunOptions& options, const FramePattern& input,
                      const FramePattern& output, std::vector<unsigned>* frames) {
@@ -110,7 +130,18 @@ RunStatus planFrames(const RunOptions& options, const FramePattern& input,
             return RunStatus::failure(ExitCode::Input, "input file not found: " + name);
         if (!input.isSequence()) break;
     }
-    return checkOutputPath(output.fileFor(frames->front()));
+    if (options.floatEncoding == FloatEncoding::Log) {
+        if (options.depth == kHostDepth8)
+            return usage("--float-encoding log needs the 12-bit host, not --depth 8");
+        if (outputSampleType(output.fileFor(frames->front()), kHostDepth12) != SampleType::Float)
+            return usage("--float-encoding log needs a floating-point output (such as .exr): " +
+                         output.fileFor(frames->front()) + " would clip what it carries");
+    }
+    RunStatus status = checkOutputPath(output.fileFor(frames->front()));
+    // A sequence's longest name is its last frame's.
+    if (status.ok() && output.isSequence())
+        status = checkOutputFolder(output.fileFor(frames->back()));
+    return status;
 }
 
 RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
@@ -124,12 +155,27 @@ RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
     RunStatus status = planFrames(options, input, output, &frames);
     if (!status.ok()) return status;
 
+    // The first frame is weighed against the memory before it is decoded;
+    // the others must match its size, which is checked before they are.
     FilePixels picture;
     int depth = 0;
-    status = readImage(input.fileFor(frames.front()), options.depth, &picture, &depth);
+    ReadRequest first;
+    first.requestedDepth = options.depth;
+    first.memoryLimit = options.maxMemory ? options.maxMemory : memoryAvailable();
+    first.limitIsOption = options.maxMemory != 0;
+    first.forProcessing = true;
+    status = readImage(input.fileFor(frames.front()), first, &picture, &depth);
     if (!status.ok()) return status;
+    if (options.floatEncoding == FloatEncoding::Log && !picture.isFloat)
+        return usage("--float-encoding log is for floating-point inputs; " +
+                     input.fileFor(frames.front()) + " holds whole numbers");
+    ReadRequest next;
+    next.requestedDepth = depth;
+    next.expectWidth = picture.width;
+    next.expectHeight = picture.height;
 
     SparkSession session(options.quiet, options.processors);
+    session.setFloatEncoding(options.floatEncoding);
     status = session.load(pluginPath);
     if (!status.ok()) return status;
     status =
@@ -146,21 +192,27 @@ RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
         // A still input is read once and stands for every frame.
         if (i > 0 && input.isSequence()) {
             int frameDepth = 0;
-            status = readImage(input.fileFor(frame), depth, &picture, &frameDepth);
+            status = readImage(input.fileFor(frame), next, &picture, &frameDepth);
             if (!status.ok()) break;
         }
         const unsigned char* result = nullptr;
         std::string animated;
+        reportClipped(countClipped(picture, options.floatEncoding), options.floatEncoding,
+                      input.fileFor(frame));
         status = session.process(frame, total, picture, &result, &animated);
         if (!status.ok()) break;
         const std::string name = output.fileFor(frame);
-        const RgbSamples samples = readHostFrame(result, session.width(), session.height(), depth,
-                                                 outputSampleType(name, depth));
-        status = writeImage(name, session.width(), session.height(), samples);
+        const RgbSamples samples =
+            readHostFrame(result, session.width(), session.height(), depth,
+                          outputSampleType(name, depth), options.floatEncoding);
+        status = writeImage(name, session.width(), session.height(), samples, picture.dateTime);
         if (!status.ok()) break;
         if (options.verbose)
-            std::printf("frame %u: %s%s%s\n", frame, name.c_str(), animated.empty() ? "" : "  ",
-                        animated.c_str());
+            std::printf(
+                "frame %u: %s%s%s  (peak memory: tool %s, reader %s; reader between frames %s)\n",
+                frame, name.c_str(), animated.empty() ? "" : "  ", animated.c_str(),
+                memoryText(peakMemory()).c_str(), memoryText(readerPeakMemory()).c_str(),
+                memoryText(readerIdleMemory()).c_str());
         progress.advance(static_cast<int>(i + 1), frame);
     }
     progress.finish();
@@ -168,15 +220,52 @@ RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
     return status.ok() ? finished : status;
 }
 
-RunStatus run(RunOptions& options) {
+std::string folderOf(const std::string& path) {
+    const size_t slash = path.rfind('/');
+    if (slash == std::string::npos) return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+// Removes what runs that died on this machine left in the folder of path.
+void sweepStaleTemporaries(const std::string& path, time_t runStart, bool verbose) {
+    const std::string folder = folderOf(path);
+    const int removed = simhost::removeStaleTemporaries(folder, runStart);
+    if (removed && verbose)
+        std::printf("removed %d temporary file(s) left by an earlier run in %s\n", removed,
+                    folder.c_str());
+}
+
+// The file a mode writes, or empty.
+std::string outputOf(const RunOptions& options) {
+    switch (options.mode) {
+        case RunMode::Process:
+            return options.files.size() == 2 ? options.files[1] : "";
+        case RunMode::MakeChart:
+            return options.files.size() == 1 ? options.files[0] : "";
+        case RunMode::SideBySide:
+            return options.files.size() == 3 ? options.files[2] : "";
+        default:
+            return "";
+    }
+}
+
+RunStatus run(RunOptions& options, time_t runStart) {
     if (!options.processors) options.processors = defaultProcessors();
     const std::string pluginPath =
         options.pluginPath.empty() ? defaultPluginPath() : options.pluginPath;
+    // Set-up names travel in the host's information record.
+    for (const std::string* name : {&options.setupPath, &options.saveSetupPath})
+        if (name->size() >= sizeof(SparkInfoStruct::Name))
+            return usage("set-up file name too long (at most " +
+                         std::to_string(sizeof(SparkInfoStruct::Name) - 1) + " bytes): " + *name);
     // A set-up that cannot be saved is found out before any frame is made.
     if (!options.saveSetupPath.empty()) {
         const RunStatus status = checkOutputFolder(options.saveSetupPath);
         if (!status.ok()) return status;
+        sweepStaleTemporaries(options.saveSetupPath, runStart, options.verbose);
     }
+    const std::string output = outputOf(options);
+    if (!output.empty()) sweepStaleTemporaries(output, runStart, options.verbose);
     switch (options.mode) {
         case RunMode::Help:
             std::fputs(usageText(), stdout);
@@ -212,9 +301,25 @@ RunStatus run(RunOptions& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    RunOptions options;
-    RunStatus status = parseCommandLine(argc, argv, &options);
-    if (status.ok()) status = run(options);
+    if (argc == 2 && std::string(argv[1]) == kReaderProcessArgument) return serveReaderRequests();
+    const time_t runStart = time(nullptr);
+    installProcessSignals();
+    configureImageLibrary();
+    RunStatus status;
+    try {
+        RunOptions options;
+        status = parseCommandLine(argc, argv, &options);
+        if (status.ok()) status = run(options, runStart);
+    } catch (const std::bad_alloc&) {
+        status = RunStatus::failure(ExitCode::Memory,
+                                    "out of memory: an allocation failed (a smaller frame, a "
+                                    "proxy or more memory would help)");
+    } catch (const std::exception& error) {
+        status =
+            RunStatus::failure(ExitCode::Internal, std::string("internal error: ") + error.what());
+    } catch (...) {
+        status = RunStatus::failure(ExitCode::Internal, "internal error: an unknown exception");
+    }
     if (status.ok()) return 0;
     std::fprintf(stderr, "sparkrun: %s\n", status.message.c_str());
     if (status.code == ExitCode::Usage) std::fputs("(sparkrun --help shows the usage)\n", stderr);

@@ -2,18 +2,27 @@
 // tool's control handling can be checked end to end without the lens core.
 // Each channel v (0..255 or 0..4095) becomes min(full, v * Gain / 100),
 // truncated; "Channels: Red Only" zeroes green and blue; "Invert" turns v into
-// full - v. At the frame named by "Fail Frame" (0: never) it returns null.
+// full - v. At the frame named by "Fail Frame" (0: never) it returns null; at
+// "Crash Frame" it writes through a null pointer; at "Hog Frame" it asks for
+// far more memory than any machine has (the allocation throws). It talks on
+// its console: standard output, the C standard error stream and std::cerr.
 #include <spark.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <iostream>
+#include <memory>
 
 extern "C" {
 __attribute__((visibility("default"))) SparkFloatStruct SparkFloat6 = {
     100.0f, 0.0f, 200.0f, 0.1f, 0, const_cast<char*>("Gain: %.1f"), nullptr};
 __attribute__((visibility("default"))) SparkFloatStruct SparkFloat9 = {
     0.0f, 0.0f, 100000.0f, 1.0f, 0, const_cast<char*>("Fail Frame: %.0f"), nullptr};
+__attribute__((visibility("default"))) SparkFloatStruct SparkFloat10 = {
+    0.0f, 0.0f, 100000.0f, 1.0f, 0, const_cast<char*>("Crash Frame: %.0f"), nullptr};
+__attribute__((visibility("default"))) SparkFloatStruct SparkFloat11 = {
+    0.0f, 0.0f, 100000.0f, 1.0f, 0, const_cast<char*>("Hog Frame: %.0f"), nullptr};
 __attribute__((visibility("default"))) SparkPupStruct SparkPup17 = {
     0,
     2,
@@ -27,10 +36,18 @@ __attribute__((visibility("default")))
 SparkPushStruct SparkPush21 = {const_cast<char*>("Clear   "), nullptr};
 
 static int deep = 0;
+static int* volatile nowhere = nullptr;
+static const size_t kNoMachineHasThis = size_t{1} << 46;  // 64 TiB
+
+static bool atFrame(const SparkFloatStruct& record, unsigned frame) {
+    return record.Value > 0.0f && frame == static_cast<unsigned>(record.Value);
+}
 
 __attribute__((visibility("default"))) unsigned int SparkInitialise(SparkInfoStruct info) {
     deep = info.FrameDepth == 48;
     std::puts("probe plug-in started");
+    std::fprintf(stderr, "probe chatter on the error stream\n");
+    std::cerr << "probe chatter through std::cerr" << std::endl;
     sparkLoadSetup(info.Name);
     return SPARK_MODULE;
 }
@@ -46,9 +63,14 @@ __attribute__((visibility("default"))) int SparkProcessStart(SparkInfoStruct) { 
 __attribute__((visibility("default"))) unsigned long* SparkProcess(SparkInfoStruct info) {
     SparkMemBufStruct input, output;
     if (!sparkMemGetBuffer(2, &input) || !sparkMemGetBuffer(1, &output)) return nullptr;
-    if (SparkFloat9.Value > 0.0f && info.FrameNo == static_cast<unsigned>(SparkFloat9.Value)) {
+    if (atFrame(SparkFloat9, info.FrameNo)) {
         sparkError(const_cast<char*>("probe: failing as asked"));
         return nullptr;
+    }
+    if (atFrame(SparkFloat10, info.FrameNo)) *nowhere = 1;
+    if (atFrame(SparkFloat11, info.FrameNo)) {
+        std::unique_ptr<char[]> hog(new char[kNoMachineHasThis]);
+        hog[0] = 1;
     }
     const int full = deep ? 4095 : 255;
     const long samples = static_cast<long>(info.FrameWidth) * info.FrameHeight * 3;

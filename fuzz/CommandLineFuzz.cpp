@@ -1,0 +1,162 @@
+// Fuzz target: sparkrun's command line, and what it carries: control values
+// (--set, --key) checked against the real plug-in's records, frame ranges,
+// file-name patterns and sizes. The input is split at NUL bytes into the
+// arguments after the program name.
+//
+// Beyond not crashing: a refused command line is a usage error; a frame
+// range is a run of consecutive frames of at most a million; a value that
+// --set or --key takes leaves its record finite and inside its range, a
+// menu on one of its entries, a check box 0 or 1.
+#include <SimHost.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "ControlTable.h"
+#include "FramePattern.h"
+#include "RunOptions.h"
+
+namespace {
+const size_t kMaxArguments = 64;
+const size_t kMaxFrames = 1000000;
+
+simhost::Plugin* plugin = nullptr;
+ControlTable* table = nullptr;
+std::vector<std::vector<unsigned char>> pristine;
+
+void fail(const char* rule, const std::string& detail) {
+    std::fprintf(stderr, "command line broke a rule: %s (%s)\n", rule, detail.c_str());
+    std::abort();
+}
+
+size_t recordBytes(ControlKind kind) {
+    switch (kind) {
+        case ControlKind::Float:
+            return sizeof(SparkUserFloatStruct);  // the larger of the two float records
+        case ControlKind::Integer:
+            return sizeof(SparkIntStruct);
+        case ControlKind::Menu:
+            return sizeof(SparkPupStruct);
+        case ControlKind::Check:
+            return sizeof(SparkBooleanStruct);
+        case ControlKind::Text:
+            return sizeof(SparkStringStruct);
+        case ControlKind::Colour:
+            return sizeof(SparkColorStruct);
+        case ControlKind::Button:
+            break;
+    }
+    return 0;
+}
+
+size_t bytesOf(const Control& control) {
+    // A plain float record is smaller than a user float.
+    return control.recordKind == "Float" ? sizeof(SparkFloatStruct) : recordBytes(control.kind);
+}
+
+void restoreRecords() {
+    const std::vector<Control>& controls = table->controls();
+    for (size_t i = 0; i < controls.size(); ++i)
+        if (!pristine[i].empty())
+            std::memcpy(controls[i].record, pristine[i].data(), pristine[i].size());
+}
+
+void checkValue(const Control& control) {
+    if (control.kind == ControlKind::Float) {
+        const auto* record = static_cast<const SparkFloatStruct*>(control.record);
+        if (!std::isfinite(record->Value)) fail("a float is not finite", control.symbol);
+        if (record->Min < record->Max &&
+            (record->Value < record->Min || record->Value > record->Max))
+            fail("a float is outside its range", control.symbol);
+    } else if (control.kind == ControlKind::Menu) {
+        const int index = static_cast<const SparkPupStruct*>(control.record)->Value;
+        if (index < 0 || index >= static_cast<int>(control.entries.size()))
+            fail("a menu index is not an entry", control.symbol);
+    } else if (control.kind == ControlKind::Check) {
+        const char on = static_cast<const SparkBooleanStruct*>(control.record)->Value;
+        if (on != 0 && on != 1) fail("a check box is not 0 or 1", control.symbol);
+    }
+}
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    plugin = new simhost::Plugin;
+    std::string error;
+    if (!plugin->load(STRAIGHTLUX_PLUGIN, &error)) {
+        std::fprintf(stderr, "cannot load %s: %s\n", STRAIGHTLUX_PLUGIN, error.c_str());
+        std::exit(1);
+    }
+    table = new ControlTable(plugin->records());
+    for (const Control& control : table->controls()) {
+        const auto* bytes = static_cast<const unsigned char*>(control.record);
+        pristine.emplace_back(bytes, bytes + bytesOf(control));
+    }
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    std::vector<std::string> words = {"sparkrun"};
+    std::string word;
+    for (size_t i = 0; i < size && words.size() < kMaxArguments; ++i) {
+        if (data[i] == 0) {
+            words.push_back(word);
+            word.clear();
+        } else {
+            word += static_cast<char>(data[i]);
+        }
+    }
+    if (!word.empty() && words.size() < kMaxArguments) words.push_back(word);
+    std::vector<char*> argv;
+    for (std::string& each : words) argv.push_back(&each[0]);
+    argv.push_back(nullptr);
+
+    RunOptions options;
+    const RunStatus status =
+        parseCommandLine(static_cast<int>(words.size()), argv.data(), &options);
+    if (!status.ok()) {
+        if (status.code != ExitCode::Usage)
+            fail("a refused command line is not a usage error", status.message);
+        return 0;
+    }
+    for (const std::string& file : options.files) {
+        FramePattern pattern;
+        std::string error;
+        if (!FramePattern::parse(file, &pattern, &error)) continue;
+        pattern.fileFor(0);
+        pattern.fileFor(4294967295u);
+        pattern.text();
+    }
+    if (!options.frames.empty()) {
+        std::vector<unsigned> frames;
+        std::string error;
+        if (parseFrameRange(options.frames, &frames, &error)) {
+            if (frames.empty() || frames.size() > kMaxFrames)
+                fail("a frame range size", options.frames);
+            for (size_t i = 1; i < frames.size(); ++i)
+                if (frames[i] != frames[i - 1] + 1)
+                    fail("a frame range is not consecutive", options.frames);
+        }
+    }
+    restoreRecords();
+    for (const std::string& assignment : options.sets) {
+        const Control* control = nullptr;
+        if (table->set(assignment, &control).ok()) checkValue(*control);
+    }
+    for (const std::string& key : options.keys) {
+        const Control* control = nullptr;
+        int frame = 0;
+        float value = 0.0f;
+        if (!table->parseKey(key, &control, &frame, &value).ok()) continue;
+        const auto* record = static_cast<const SparkFloatStruct*>(control->record);
+        if (frame < 0 || !std::isfinite(value) ||
+            (record->Min < record->Max && (value < record->Min || value > record->Max)))
+            fail("a key is outside its control's range", key);
+    }
+    table->listing();
+    return 0;
+}
