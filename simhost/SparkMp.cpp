@@ -88,15 +88,21 @@ void sparkMpFork(void (*fn)(), int argCount, ...) {
     va_end(list);
 
     const int workers = std::max(1, Host::instance().processors);
+    // Workers 1 and up run on threads of their own; worker 0 runs on the
+    // calling thread meanwhile, as a host's own thread takes a share.
     std::vector<std::thread> threads;
-    threads.reserve(static_cast<size_t>(workers));
-    for (int index = 0; index < workers; ++index) {
+    threads.reserve(static_cast<size_t>(workers - 1));
+    for (int index = 1; index < workers; ++index) {
         threads.emplace_back([fn, &args, index] {
             currentWorker = index;
             callWithArgs(fn, args);
             currentWorker = kOutsideWorker;
         });
     }
+    const int outer = currentWorker;
+    currentWorker = 0;
+    callWithArgs(fn, args);
+    currentWorker = outer;
     for (std::thread& thread : threads) thread.join();
 }
 
