@@ -37,7 +37,7 @@ void bareWorker() { ++bareCalls; }
 }  // namespace
 
 // Worker 0 runs on the calling thread, the others on threads of their own.
-TEST(SimHostMp, ForkRunsEachProcessorOnItsOwnThreadWithItsIndex) {
+TEST(SimHostMp, ForkRunsEveryWorkerWithItsIndexTheFirstOnTheCaller) {
     Host& host = Host::instance();
     host.reset();
     host.processors = 3;
