@@ -13,6 +13,12 @@ constexpr int kMinCell = 8;
 // A line is lost when its darkness falls below this share of its first point's.
 constexpr double kLostShare = 0.3;
 constexpr double kMinDarkness = 0.05;  // of full scale, against the background
+// A grid line covers about 3 pixels across; its centre is weighed over 7.
+constexpr int kCoreHalfWidth = 3;
+// Outside those 7 pixels the window must stay lighter than this share of the line.
+constexpr double kStrayShare = 0.2;
+// Where a sample may move along its line, in cells, in the order tried.
+constexpr double kShifts[] = {0.0, 0.15, -0.15, 0.3, -0.3};
 
 // Luminance, 0..1, of a pixel of the picture.
 double luminance(const FilePixels& picture, int x, int y) {
@@ -41,11 +47,15 @@ struct Found {
 };
 
 // The line near `predicted` at `along`: the darkest pixel within the window,
-// refined to the darkness-weighted centre of the 7 pixels about it.
+// refined to the darkness-weighted centre of the 7 pixels about it. The
+// profile must show one thin line: its darkest pixel inside the window (not
+// on its edge, where the line may lie beyond) and nothing else in the window
+// darker than kStrayShare of the line, as a crossing grid line or the border
+// would be. False when it does not.
 bool findAcross(const Axis& axis, int along, double predicted, double window, Found& found) {
     const int lo = std::max(1, static_cast<int>(std::floor(predicted - window)));
     const int hi = std::min(axis.acrossSize - 2, static_cast<int>(std::ceil(predicted + window)));
-    if (lo > hi) return false;
+    if (hi - lo < 2 * kCoreHalfWidth) return false;
     double background = 0.0;
     int darkest = lo;
     double darkestLum = 2.0;
@@ -54,34 +64,53 @@ bool findAcross(const Axis& axis, int along, double predicted, double window, Fo
         background = std::max(background, lum);
         if (lum < darkestLum) darkestLum = lum, darkest = a;
     }
+    const double darkness = background - darkestLum;
+    if (darkest == lo || darkest == hi || darkness <= 0.0) return false;
+    for (int a = lo; a <= hi; ++a)
+        if (std::abs(a - darkest) > kCoreHalfWidth &&
+            background - axis.lum(along, a) > kStrayShare * darkness)
+            return false;
     double weight = 0.0, moment = 0.0;
-    for (int a = std::max(0, darkest - 3); a <= std::min(axis.acrossSize - 1, darkest + 3); ++a) {
+    for (int a = std::max(0, darkest - kCoreHalfWidth);
+         a <= std::min(axis.acrossSize - 1, darkest + kCoreHalfWidth); ++a) {
         const double d = std::max(0.0, background - axis.lum(along, a));
         weight += d;
         moment += d * a;
     }
     if (weight <= 0.0) return false;
     found.position = moment / weight;
-    found.darkness = background - darkestLum;
+    found.darkness = darkness;
     return true;
 }
 
 // Follows the grid line that crosses the frame's centre line at `start`
 // (across), sampling halfway between the crossing lines, from the centre
-// outwards in both directions.
+// outwards in both directions. Where a crossing line (bent by the lens) or
+// the border spoils the profile, the sample moves up to 0.3 of a cell along
+// the line; the line ends where no clean sample is found.
 std::vector<LinePoint> follow(const Axis& axis, double start, double centreAlong, double cell,
                               bool alongIsX) {
     const double margin = 0.6 * cell;  // keeps clear of the border and the frame edge
-    std::vector<LinePoint> forward, backward;
-    Found first;
-    const double firstAlong = centreAlong + 0.5 * cell;
-    if (!findAcross(axis, static_cast<int>(std::lround(firstAlong)), start, 0.45 * cell, first) ||
-        first.darkness < kMinDarkness) {
-        return {};
-    }
+    const double window = std::max(4.0, 0.15 * cell);
     auto point = [alongIsX](double along, double across) {
         return alongIsX ? LinePoint{along, across} : LinePoint{across, along};
     };
+    // A clean sample near `along`, the line near `predicted`.
+    auto sample = [&](double along, double predicted, double searched, int& at, Found& found) {
+        for (double shift : kShifts) {
+            at = static_cast<int>(std::lround(along + shift * cell));
+            if (at < margin || at > axis.alongSize - 1 - margin) continue;
+            if (findAcross(axis, at, predicted, searched, found)) return true;
+        }
+        return false;
+    };
+    Found first;
+    int firstAt = 0;
+    if (!sample(centreAlong + 0.5 * cell, start, 0.45 * cell, firstAt, first) ||
+        first.darkness < kMinDarkness) {
+        return {};
+    }
+    std::vector<LinePoint> forward, backward;
     for (int direction : {1, -1}) {
         std::vector<LinePoint>& side = direction > 0 ? forward : backward;
         double previous = first.position, beforePrevious = first.position;
@@ -90,13 +119,13 @@ std::vector<LinePoint> follow(const Axis& axis, double start, double centreAlong
             if (along < margin || along > axis.alongSize - 1 - margin) break;
             const double predicted = previous + (previous - beforePrevious);
             Found here;
-            if (!findAcross(axis, static_cast<int>(std::lround(along)), predicted,
-                            std::max(4.0, 0.15 * cell), here) ||
+            int at = 0;
+            if (!sample(along, predicted, window, at, here) ||
                 here.darkness < kLostShare * first.darkness || here.position < margin ||
                 here.position > axis.acrossSize - 1 - margin) {
                 break;
             }
-            side.push_back(point(along, here.position));
+            side.push_back(point(at, here.position));
             beforePrevious = previous;
             previous = here.position;
         }

@@ -207,6 +207,13 @@ std::string ControlTable::validNames() const {
     return names.empty() ? "(the plug-in has no settable controls)" : joined(names, ", ");
 }
 
+const Control* ControlTable::named(const std::string& name, ControlKind kind) const {
+    const std::string wanted = lowered(name);
+    for (const Control& candidate : controls_)
+        if (candidate.kind == kind && lowered(candidate.name) == wanted) return &candidate;
+    return nullptr;
+}
+
 RunStatus ControlTable::find(const std::string& name, const Control** control) const {
     const std::string wanted = lowered(name);
     std::vector<const Control*> byName;

@@ -46,6 +46,10 @@ class ControlTable {
     // names when there is none or several.
     RunStatus find(const std::string& name, const Control** control) const;
 
+    // The control of this kind whose name is name (ignoring case), buttons
+    // included; null when there is none.
+    const Control* named(const std::string& name, ControlKind kind) const;
+
     // "Name=Value": checks and writes the value; *control tells which it was.
     RunStatus set(const std::string& assignment, const Control** control) const;
 

@@ -41,22 +41,29 @@ size_t hostFrameBytes(int width, int height, int depth) {
 
 void fillHostFrame(const FilePixels& picture, int depth, unsigned char* buffer,
                    FloatEncoding encoding) {
-    const size_t samples = picture.sampleCount();
+    const size_t rowSamples = static_cast<size_t>(picture.width) * kRgbChannels;
     const bool logCurve = encoding == FloatEncoding::Log;
-    if (depth == kHostDepth12) {
-        for (size_t i = 0; i < samples; ++i) {
-            int v;
-            if (!picture.isFloat)
-                v = twelveFromSixteen(picture.words[i]);
-            else
-                v = logCurve ? twelveFromLog(picture.reals[i]) : twelveFromFloat(picture.reals[i]);
-            storeWord(buffer + kWordBytes * i, static_cast<uint16_t>(v << kTwelveBitShift));
-        }
-    } else {
-        for (size_t i = 0; i < samples; ++i) {
-            const int v = picture.isFloat ? eightFromFloat(picture.reals[i])
-                                          : eightFromSixteen(picture.words[i]);
-            buffer[i] = static_cast<unsigned char>(v);
+    // File row r (top first) is host row height - 1 - r (bottom first).
+    for (int r = 0; r < picture.height; ++r) {
+        const size_t from = static_cast<size_t>(r) * rowSamples;
+        const size_t to = static_cast<size_t>(picture.height - 1 - r) * rowSamples;
+        if (depth == kHostDepth12) {
+            for (size_t i = 0; i < rowSamples; ++i) {
+                int v;
+                if (!picture.isFloat)
+                    v = twelveFromSixteen(picture.words[from + i]);
+                else
+                    v = logCurve ? twelveFromLog(picture.reals[from + i])
+                                 : twelveFromFloat(picture.reals[from + i]);
+                storeWord(buffer + kWordBytes * (to + i),
+                          static_cast<uint16_t>(v << kTwelveBitShift));
+            }
+        } else {
+            for (size_t i = 0; i < rowSamples; ++i) {
+                const int v = picture.isFloat ? eightFromFloat(picture.reals[from + i])
+                                              : eightFromSixteen(picture.words[from + i]);
+                buffer[to + i] = static_cast<unsigned char>(v);
+            }
         }
     }
 }
@@ -90,24 +97,32 @@ RgbSamples readHostFrame(const unsigned char* buffer, int width, int height, int
             result.floats.resize(samples);
             break;
     }
-    for (size_t i = 0; i < samples; ++i) {
-        // The low 4 bits of a 12-bit word carry no picture value.
-        const int v = deep ? loadWord(buffer + kWordBytes * i) >> kTwelveBitShift : buffer[i];
-        switch (type) {
-            case SampleType::Eight:
-                result.eights[i] = static_cast<uint8_t>(deep ? eightFromTwelve(v) : v);
-                break;
-            case SampleType::Sixteen:
-                result.sixteens[i] =
-                    static_cast<uint16_t>(deep ? sixteenFromTwelve(v) : sixteenFromEight(v));
-                break;
-            case SampleType::Float:
-                if (!deep)
-                    result.floats[i] = floatFromEight(v);
-                else
-                    result.floats[i] =
-                        encoding == FloatEncoding::Log ? logFromTwelve(v) : floatFromTwelve(v);
-                break;
+    const size_t rowSamples = static_cast<size_t>(width) * kRgbChannels;
+    // Host row j (bottom first) is file row height - 1 - j (top first).
+    for (int j = 0; j < height; ++j) {
+        const size_t from = static_cast<size_t>(j) * rowSamples;
+        const size_t to = static_cast<size_t>(height - 1 - j) * rowSamples;
+        for (size_t k = 0; k < rowSamples; ++k) {
+            const size_t i = to + k;
+            // The low 4 bits of a 12-bit word carry no picture value.
+            const int v = deep ? loadWord(buffer + kWordBytes * (from + k)) >> kTwelveBitShift
+                               : buffer[from + k];
+            switch (type) {
+                case SampleType::Eight:
+                    result.eights[i] = static_cast<uint8_t>(deep ? eightFromTwelve(v) : v);
+                    break;
+                case SampleType::Sixteen:
+                    result.sixteens[i] =
+                        static_cast<uint16_t>(deep ? sixteenFromTwelve(v) : sixteenFromEight(v));
+                    break;
+                case SampleType::Float:
+                    if (!deep)
+                        result.floats[i] = floatFromEight(v);
+                    else
+                        result.floats[i] =
+                            encoding == FloatEncoding::Log ? logFromTwelve(v) : floatFromTwelve(v);
+                    break;
+            }
         }
     }
     return result;

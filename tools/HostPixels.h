@@ -1,6 +1,10 @@
 // HostPixels: conversion between file pixels and the host's frame buffers,
 // done the way a host does it.
 //
+// Rows: a file's rows run top first, a host buffer's bottom first (row 0 is
+// the bottom of the picture, frame row y = 0; simhost/Viewer.h states the
+// rule), so file row r is host row height - 1 - r both ways.
+//
 // Host buffers are packed RGB rows without padding: depth 24 holds one byte
 // (0..255) per channel, depth 48 one 16-bit word per channel with the 12-bit
 // value (0..4095) in the top 12 bits and the low 4 bits 0. Each mapping rounds
@@ -45,7 +49,8 @@ float floatFromEight(int v);
 // Bytes of one frame at a host depth (24 or 48).
 size_t hostFrameBytes(int width, int height, int depth);
 
-// Writes the picture into a host buffer of the same size at depth 24 or 48.
+// Writes the picture into a host buffer of the same size at depth 24 or 48,
+// its top row last.
 void fillHostFrame(const FilePixels& picture, int depth, unsigned char* buffer,
                    FloatEncoding encoding = FloatEncoding::Linear);
 
@@ -61,5 +66,6 @@ struct RgbSamples {
     const void* data() const;
 };
 
+// The host buffer's rows, top row (the buffer's last) first.
 RgbSamples readHostFrame(const unsigned char* buffer, int width, int height, int depth,
                          SampleType type, FloatEncoding encoding = FloatEncoding::Linear);

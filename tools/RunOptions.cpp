@@ -47,6 +47,7 @@ const char* usageText() {
        sparkrun --make-chart OUTPUT [--size WxH]
        sparkrun --side-by-side LEFT RIGHT OUTPUT
        sparkrun --compare A B [--margin PERCENT]
+       sparkrun --trace-chart IMAGE LINES.json
 
 Runs a Spark plug-in (by default straightlux.spark next to this tool) on image
 files through the simulated host. INPUT and OUTPUT are any files OpenImageIO
@@ -65,6 +66,16 @@ options:
   --setup FILE           load a saved set-up (--set and --key win over it)
   --save-setup FILE      save every control value and key at the end
   --list-controls        print every control with its value and range or entries
+  --lines FILE           draw these lines in the plug-in's viewer on the first
+                         frame, as a user draws them (LineEdit "Add Line", one
+                         click per point): JSON {"lines": [[[x, y], ...], ...]},
+                         image pixels, x right, y down from the top-left pixel
+                         centre, two points or more a line
+  --autofind             press AutoFind after the lines are drawn; prints the
+                         fitted Radial1 and Radial2, which the frames written
+                         use and --save-setup keeps
+  --overlay FILE         write the first input frame with the plug-in's overlay
+                         drawn on it (lines, handles, centre, fitted points)
   --threads N            processors the host offers the plug-in
   --float-encoding linear|log
                          how float (scene-linear) inputs enter the 12-bit host:
@@ -79,11 +90,24 @@ options:
                          or a sanitizer report still shows)
   --help
 
-exit codes: 0 done; 2 usage (bad option, control name or value); 3 input
-(missing, unreadable, damaged or cut-off image or set-up, a frame too large
-or needing more memory than allowed); 4 output (missing folder, name too
-long, unsupported format, write failure such as a full disk); 5 plug-in (not
-a plug-in, declined to start); 6 processing (no frame returned); 7 out of
+utilities:
+  --make-chart OUTPUT    the test chart (--size WxH, default 960x540)
+  --side-by-side L R OUT two pictures side by side
+  --compare A B          mean absolute difference over the interior (--margin)
+  --trace-chart IMAGE LINES.json
+                         find the test chart's outer grid lines in IMAGE (as
+                         distorted or not) and write them as a lines file
+
+exit codes: 0 done; 2 usage (bad option, control name or value; a lines file
+that is not valid JSON or has the wrong shape, a line of fewer than two
+points, a point outside the frame; AutoFind without lines, or with no line of
+three points or more); 3 input (missing, unreadable, damaged or cut-off image,
+set-up or lines file, a frame too large or needing more memory than allowed,
+no chart grid found by --trace-chart); 4 output (missing folder, name too
+long, unsupported format, write failure such as a full disk, --overlay
+without OpenGL off-screen drawing (libOSMesa)); 5 plug-in (not a plug-in,
+declined to start, lacks the viewer entry points or controls --lines,
+--autofind or --overlay need); 6 processing (no frame returned); 7 out of
 memory while working; 8 internal error; 129, 130, 143 stopped by SIGHUP,
 SIGINT, SIGTERM (the file being written is removed); a crash prints a line
 and ends by its signal (128 + N, e.g. 139)
@@ -115,7 +139,7 @@ RunStatus parseCommandLine(int argc, char** argv, RunOptions* options) {
         // Options that take no value.
         if (argument == "--help" || argument == "--list-controls" || argument == "--verbose" ||
             argument == "--quiet" || argument == "--make-chart" || argument == "--side-by-side" ||
-            argument == "--compare") {
+            argument == "--compare" || argument == "--trace-chart" || argument == "--autofind") {
             if (hasValue) return usage(argument + " takes no value");
             if (argument == "--help") options->mode = RunMode::Help;
             if (argument == "--verbose") options->verbose = true;
@@ -131,6 +155,10 @@ RunStatus parseCommandLine(int argc, char** argv, RunOptions* options) {
                 return status;
             if (argument == "--compare" && !setMode(options, RunMode::Compare, argument, &status))
                 return status;
+            if (argument == "--trace-chart" &&
+                !setMode(options, RunMode::TraceChart, argument, &status))
+                return status;
+            if (argument == "--autofind") options->autoFind = true;
             continue;
         }
         if (!hasValue) {
@@ -154,6 +182,10 @@ RunStatus parseCommandLine(int argc, char** argv, RunOptions* options) {
             options->setupPath = value;
         } else if (argument == "--save-setup") {
             options->saveSetupPath = value;
+        } else if (argument == "--lines") {
+            options->linesPath = value;
+        } else if (argument == "--overlay") {
+            options->overlayPath = value;
         } else if (argument == "--threads") {
             if (!parseInt(value, &options->processors) || options->processors < 1 ||
                 options->processors > kMaxProcessors)

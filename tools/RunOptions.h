@@ -12,7 +12,7 @@
 #include "FloatEncoding.h"
 #include "RunStatus.h"
 
-enum class RunMode { Process, ListControls, MakeChart, SideBySide, Compare, Help };
+enum class RunMode { Process, ListControls, MakeChart, SideBySide, Compare, TraceChart, Help };
 
 struct RunOptions {
     RunMode mode = RunMode::Process;
@@ -24,8 +24,11 @@ struct RunOptions {
     std::vector<std::string> keys;   // "Name@Frame=Value"
     std::string setupPath;
     std::string saveSetupPath;
-    int processors = 0;      // 0: the machine's
-    uint64_t maxMemory = 0;  // bytes a frame may need; 0: the memory available
+    std::string linesPath;    // --lines: drawn in the viewer on the first frame
+    bool autoFind = false;    // --autofind: AutoFind pressed after the lines are drawn
+    std::string overlayPath;  // --overlay: the first frame with the plug-in's overlay
+    int processors = 0;       // 0: the machine's
+    uint64_t maxMemory = 0;   // bytes a frame may need; 0: the memory available
     FloatEncoding floatEncoding = FloatEncoding::Linear;
     bool verbose = false;
     bool quiet = false;

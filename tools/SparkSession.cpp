@@ -12,7 +12,8 @@ namespace {
 const int kOutputBufferId = 1;
 const int kInputBufferId = 2;
 const unsigned kSupportedClips = 1;
-const char kNoContext = 0;  // a render: the plug-in's viewer is not on screen
+const char kNoContext = 0;      // a render: the plug-in's viewer is not on screen
+const char kViewerContext = 1;  // events and drawing of the viewer that shows the plug-in
 
 // Never destroyed, so the library is not unloaded before the process ends.
 simhost::Plugin& residentPlugin() {
@@ -56,6 +57,12 @@ SparkInfoStruct SparkSession::infoFor(unsigned frame, unsigned totalFrames,
     SparkInfoStruct info = simhost::Host::instance().makeInfo(width_, height_, depth_, frame, name);
     info.TotalFrameNo = totalFrames;
     info.Context = kNoContext;
+    return info;
+}
+
+SparkInfoStruct SparkSession::viewerInfo(unsigned frame, unsigned totalFrames) const {
+    SparkInfoStruct info = infoFor(frame, totalFrames, setupPath_);
+    info.Context = kViewerContext;
     return info;
 }
 

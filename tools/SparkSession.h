@@ -57,14 +57,21 @@ class SparkSession {
     // SparkUnInitialise; writes the set-up to savePath when it is not empty.
     RunStatus finish(const std::string& savePath);
 
+    // For the viewer's work (ViewerActions): the plug-in, an information
+    // record of the frame as the plug-in's viewer shows it (Context set), and
+    // the plug-in's messages since the last call passed on; returns the last
+    // error or message text.
+    simhost::Plugin& plugin() { return plugin_; }
+    bool quiet() const { return quiet_; }
+    SparkInfoStruct viewerInfo(unsigned frame, unsigned totalFrames) const;
+    std::string relayMessages();
+
     int width() const { return width_; }
     int height() const { return height_; }
     int depth() const { return depth_; }
 
   private:
     SparkInfoStruct infoFor(unsigned frame, unsigned totalFrames, const std::string& name) const;
-    // Passes on the plug-in's messages; returns the last error or message text.
-    std::string relayMessages();
 
     bool quiet_;
     FloatEncoding floatEncoding_ = FloatEncoding::Linear;

@@ -2,17 +2,23 @@
 // and the small picture utilities of the demonstration (chart, comparison,
 // side by side). See usageText() for the command line and RunStatus.h for
 // the exit codes.
+#include <Viewer.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
+#include <filesystem>
+#include <fstream>
 #include <new>
 #include <set>
 #include <thread>
 
+#include "ChartTracing.h"
 #include "ControlTable.h"
 #include "FloatEncoding.h"
 #include "FrameMemory.h"
@@ -20,6 +26,7 @@
 #include "HostPixels.h"
 #include "ImageCompare.h"
 #include "ImageFiles.h"
+#include "LinesFile.h"
 #include "OutputFile.h"
 #include "ProcessSignals.h"
 #include "ProgressBar.h"
@@ -27,6 +34,7 @@
 #include "RunOptions.h"
 #include "SparkSession.h"
 #include "TestChart.h"
+#include "ViewerActions.h"
 
 namespace {
 const char kDefaultPlugin[] = "straightlux.spark";
@@ -81,6 +89,11 @@ RunStatus applyControls(const RunOptions& options, const ControlTable& table) {
     return RunStatus::success();
 }
 
+// --lines, --autofind or --overlay: work in the plug-in's viewer.
+bool viewerWork(const RunOptions& options) {
+    return !options.linesPath.empty() || options.autoFind || !options.overlayPath.empty();
+}
+
 // A session without images: --list-controls, or only --save-setup.
 RunStatus runControlsOnly(const RunOptions& options, const std::string& pluginPath) {
     SparkSession session(options.quiet, options.processors);
@@ -106,6 +119,71 @@ void reportClipped(const ClipCount& clipped, FloatEncoding encoding, const std::
                  clipped.notNumbers ? " or not numbers" : "", static_cast<double>(clipped.largest),
                  static_cast<double>(clipped.smallest),
                  linear ? "; --float-encoding log carries 0 .. 64 through" : "");
+}
+
+bool sameFile(const std::string& a, const std::string& b) {
+    std::error_code error;
+    return a == b || std::filesystem::weakly_canonical(a, error) ==
+                         std::filesystem::weakly_canonical(b, error);
+}
+
+// The overlay picture can be drawn and written, and overwrites no other output.
+RunStatus checkOverlayPath(const RunOptions& options, const FramePattern& output,
+                           const std::vector<unsigned>& frames) {
+    for (unsigned frame : frames)
+        if (sameFile(options.overlayPath, output.fileFor(frame)))
+            return usage("--overlay " + options.overlayPath + " is also an OUTPUT frame");
+    if (!options.saveSetupPath.empty() && sameFile(options.overlayPath, options.saveSetupPath))
+        return usage("--overlay " + options.overlayPath + " is also the --save-setup file");
+    RunStatus status = checkOutputPath(options.overlayPath);
+    if (!status.ok()) return status;
+    std::string why;
+    if (!simhost::Viewer::available(&why))
+        return RunStatus::failure(ExitCode::Output,
+                                  "--overlay needs OpenGL off-screen drawing: " + why);
+    return RunStatus::success();
+}
+
+// Reads --lines: a file that cannot be opened is an input error, one that is
+// not a lines file a usage error naming the fault's position.
+RunStatus readLines(const std::string& path, LinesFile* lines) {
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0)
+        return RunStatus::failure(
+            ExitCode::Input, "cannot open the lines file " + path + ": " + std::strerror(errno));
+    if (S_ISDIR(status.st_mode))
+        return RunStatus::failure(ExitCode::Input, "the lines file " + path + " is a folder");
+    if (!std::ifstream(path))
+        return RunStatus::failure(
+            ExitCode::Input, "cannot open the lines file " + path + ": " + std::strerror(errno));
+    std::string error;
+    if (!readLinesFile(path, *lines, error))
+        return usage("not a lines file: " + error +
+                     " (the form is {\"lines\": [[[x, y], [x, y], ...], ...]})");
+    return RunStatus::success();
+}
+
+// The viewer's work on the first frame, before any frame is written: show
+// it, draw the lines, AutoFind, write the overlay picture.
+RunStatus runViewer(const RunOptions& options, SparkSession& session, const FilePixels& picture,
+                    unsigned frame, unsigned totalFrames, const LinesFile& lines) {
+    ViewerActions actions(session, frame, totalFrames);
+    const bool drawLines = !options.linesPath.empty();
+    RunStatus status = actions.check(drawLines, options.autoFind, !options.overlayPath.empty());
+    if (status.ok()) status = actions.show(picture);
+    if (status.ok() && drawLines) status = actions.drawLines(lines);
+    if (status.ok() && options.autoFind) {
+        std::string fitted;
+        status = actions.autoFind(&fitted);
+        if (status.ok()) std::printf("autofind: %s\n", fitted.c_str());
+    }
+    if (status.ok() && !options.overlayPath.empty()) {
+        status = actions.writeOverlay(picture, options.overlayPath);
+        if (status.ok() && options.verbose)
+            std::printf("overlay: %s\n", options.overlayPath.c_str());
+    }
+    std::fflush(stdout);
+    return status;
 }
 
 // The frames to run and the checks that can be made before any work.
@@ -141,6 +219,8 @@ RunStatus planFrames(const RunOptions& options, const FramePattern& input,
     // A sequence's longest name is its last frame's.
     if (status.ok() && output.isSequence())
         status = checkOutputFolder(output.fileFor(frames->back()));
+    if (status.ok() && !options.overlayPath.empty())
+        status = checkOverlayPath(options, output, *frames);
     return status;
 }
 
@@ -154,6 +234,11 @@ RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
     std::vector<unsigned> frames;
     RunStatus status = planFrames(options, input, output, &frames);
     if (!status.ok()) return status;
+    LinesFile lines;
+    if (!options.linesPath.empty()) {
+        status = readLines(options.linesPath, &lines);
+        if (!status.ok()) return status;
+    }
 
     // The first frame is weighed against the memory before it is decoded;
     // the others must match its size, which is checked before they are.
@@ -169,6 +254,9 @@ RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
     if (options.floatEncoding == FloatEncoding::Log && !picture.isFloat)
         return usage("--float-encoding log is for floating-point inputs; " +
                      input.fileFor(frames.front()) + " holds whole numbers");
+    if (!options.linesPath.empty() &&
+        !checkLinesInFrame(lines, picture.width, picture.height, error))
+        return usage(options.linesPath + ": " + error);
     ReadRequest next;
     next.requestedDepth = depth;
     next.expectWidth = picture.width;
@@ -184,9 +272,11 @@ RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
     if (status.ok() && options.verbose)
         std::printf("%s: %dx%d at %d bits, %zu frame(s)\n", pluginPath.c_str(), picture.width,
                     picture.height, depth == kHostDepth12 ? 12 : 8, frames.size());
+    const unsigned total = static_cast<unsigned>(frames.size());
+    if (status.ok() && viewerWork(options))
+        status = runViewer(options, session, picture, frames.front(), total, lines);
 
     ProgressBar progress(static_cast<int>(frames.size()));
-    const unsigned total = static_cast<unsigned>(frames.size());
     for (size_t i = 0; status.ok() && i < frames.size(); ++i) {
         const unsigned frame = frames[i];
         // A still input is read once and stands for every frame.
@@ -244,6 +334,8 @@ std::string outputOf(const RunOptions& options) {
             return options.files.size() == 1 ? options.files[0] : "";
         case RunMode::SideBySide:
             return options.files.size() == 3 ? options.files[2] : "";
+        case RunMode::TraceChart:
+            return options.files.size() == 2 ? options.files[1] : "";
         default:
             return "";
     }
@@ -264,8 +356,13 @@ RunStatus run(RunOptions& options, time_t runStart) {
         if (!status.ok()) return status;
         sweepStaleTemporaries(options.saveSetupPath, runStart, options.verbose);
     }
+    const bool imagesIn = options.mode == RunMode::Process && !options.files.empty();
+    if (viewerWork(options) && !imagesIn && options.mode != RunMode::Help)
+        return usage("--lines, --autofind and --overlay work on an INPUT and OUTPUT");
     const std::string output = outputOf(options);
     if (!output.empty()) sweepStaleTemporaries(output, runStart, options.verbose);
+    if (!options.overlayPath.empty())
+        sweepStaleTemporaries(options.overlayPath, runStart, options.verbose);
     switch (options.mode) {
         case RunMode::Help:
             std::fputs(usageText(), stdout);
@@ -286,6 +383,18 @@ RunStatus run(RunOptions& options, time_t runStart) {
             if (status.ok())
                 std::printf("mean abs difference %.3f (8-bit levels, %g%% margin)\n", mean,
                             options.marginPercent);
+            return status;
+        }
+        case RunMode::TraceChart: {
+            if (options.files.size() != 2) return usage("--trace-chart takes IMAGE LINES.json");
+            LinesFile traced;
+            RunStatus status = traceChartFile(options.files[0], options.files[1], &traced);
+            if (status.ok()) {
+                size_t points = 0;
+                for (const auto& line : traced.lines) points += line.size();
+                std::printf("traced %zu grid lines, %zu points: %s\n", traced.lines.size(), points,
+                            options.files[1].c_str());
+            }
             return status;
         }
         case RunMode::ListControls:

@@ -6,6 +6,10 @@
 // "Crash Frame" it writes through a null pointer; at "Hog Frame" it asks for
 // far more memory than any machine has (the allocation throws). It talks on
 // its console: standard output, the C standard error stream and std::cerr.
+// For the row order: "Report Brightest" prints where the input's brightest
+// red sample sits in the host buffer ("probe: brightest at column X, host
+// row J", row 0 being the buffer's first), and "Mark Row 0" paints the
+// output's host row 0 white.
 #include <spark.h>
 
 #include <algorithm>
@@ -30,6 +34,10 @@ __attribute__((visibility("default"))) SparkPupStruct SparkPup17 = {
     {const_cast<char*>("Channels: All  "), const_cast<char*>("Channels: Red Only  ")}};
 __attribute__((visibility("default")))
 SparkBooleanStruct SparkBoolean28 = {0, const_cast<char*>("Invert"), nullptr};
+__attribute__((visibility("default")))
+SparkBooleanStruct SparkBoolean29 = {0, const_cast<char*>("Report Brightest"), nullptr};
+__attribute__((visibility("default")))
+SparkBooleanStruct SparkBoolean30 = {0, const_cast<char*>("Mark Row 0"), nullptr};
 __attribute__((visibility("default")))
 SparkPupStruct SparkPup33 = {0, 2, nullptr, {const_cast<char*>("FULL"), const_cast<char*>("1/2")}};
 __attribute__((visibility("default")))
@@ -76,15 +84,28 @@ __attribute__((visibility("default"))) unsigned long* SparkProcess(SparkInfoStru
     const long samples = static_cast<long>(info.FrameWidth) * info.FrameHeight * 3;
     const auto* inBytes = reinterpret_cast<const unsigned char*>(input.Buffer);
     auto* outBytes = reinterpret_cast<unsigned char*>(output.Buffer);
-    for (long i = 0; i < samples; ++i) {
+    auto sample = [&](long i) {
         unsigned short word = 0;
         if (deep) std::memcpy(&word, inBytes + 2 * i, 2);
-        int v = deep ? word >> 4 : inBytes[i];
+        return deep ? word >> 4 : static_cast<int>(inBytes[i]);
+    };
+    if (SparkBoolean29.Value) {
+        long brightest = 0;
+        for (long i = 0; i < samples; i += 3)
+            if (sample(i) > sample(brightest)) brightest = i;
+        const long pixel = brightest / 3;
+        std::printf("probe: brightest at column %ld, host row %ld\n", pixel % info.FrameWidth,
+                    pixel / info.FrameWidth);
+        std::fflush(stdout);
+    }
+    for (long i = 0; i < samples; ++i) {
+        int v = sample(i);
         v = std::min(full, static_cast<int>(v * static_cast<double>(SparkFloat6.Value) / 100.0));
         if (SparkPup17.Value == 1 && i % 3 != 0) v = 0;
         if (SparkBoolean28.Value) v = full - v;
+        if (SparkBoolean30.Value && i < info.FrameWidth * 3L) v = full;
         if (deep) {
-            word = static_cast<unsigned short>(v << 4);
+            const auto word = static_cast<unsigned short>(v << 4);
             std::memcpy(outBytes + 2 * i, &word, 2);
         } else {
             outBytes[i] = static_cast<unsigned char>(v);
