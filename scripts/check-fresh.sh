@@ -61,7 +61,9 @@ if ! bash scripts/demo.sh >>"$work/check-fresh.log" 2>&1; then
   tail -30 "$work/check-fresh.log" >&2
   fail "bash scripts/demo.sh"
 fi
-[ -s out/before_after.png ] || fail "demo.sh wrote no out/before_after.png"
+for f in before_after.png overlay.png; do
+  [ -s "out/$f" ] || fail "demo.sh wrote no out/$f"
+done
 
 echo "== 5. cmake --install into an empty prefix"
 prefix="$work/prefix"
