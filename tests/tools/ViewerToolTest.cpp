@@ -17,13 +17,11 @@ void writeGreyWithRedPixel(const std::string& file, int width, int height, int x
     writePicture(file, width, height, 3, OIIO::TypeDesc::UINT8, samples);
 }
 
-void writeText(const std::string& file, const std::string& text) {
-    std::ofstream(file) << text;
-}
+void writeText(const std::string& file, const std::string& text) { std::ofstream(file) << text; }
 
 float sampleAt(const Picture& picture, int x, int y, int channel) {
-    return picture.samples[(static_cast<size_t>(y) * picture.width + x) * picture.channels +
-                           channel];
+    return picture
+        .samples[(static_cast<size_t>(y) * picture.width + x) * picture.channels + channel];
 }
 
 bool isGrey(const Picture& picture, int x, int y) {
@@ -72,9 +70,9 @@ TEST_F(Sparkrun, LinesLandOnTheirPixelsAndTheOverlayIsTheRightWayUp) {
     const int width = 200, height = 120;
     writeGreyWithRedPixel(path("in.png"), width, height, 0, 0);
     writeText(path("lines.json"), "{\"lines\": [[[30, 15], [100, 15], [170, 15]]]}");
-    ToolRun result = run("--set Mode=Remove --lines " + path("lines.json") + " --overlay " +
-                         path("out/overlay.png") + " " + path("in.png") + " " +
-                         path("out/out.png"));
+    ToolRun result =
+        run("--set Mode=Remove --lines " + path("lines.json") + " --overlay " +
+            path("out/overlay.png") + " " + path("in.png") + " " + path("out/out.png"));
     ASSERT_EQ(result.code, 0) << result.err;
     const Picture overlay = readPicture(path("out/overlay.png"));
     ASSERT_EQ(overlay.width, width);
@@ -109,9 +107,8 @@ TEST_F(Sparkrun, LinesTracedOnADistortedChartFitTheLensThatDistortedIt) {
                  path("distorted.png") + " " + path("out/corrected.png"));
     ASSERT_EQ(result.code, 0) << result.err;
     double radial1 = 0, radial2 = 0;
-    ASSERT_EQ(std::sscanf(result.out.c_str(), "autofind: Radial1=%lf Radial2=%lf", &radial1,
-                          &radial2),
-              2)
+    ASSERT_EQ(
+        std::sscanf(result.out.c_str(), "autofind: Radial1=%lf Radial2=%lf", &radial1, &radial2), 2)
         << result.out;
     EXPECT_NEAR(radial1, 0.12, 0.005);
     EXPECT_NEAR(radial2, 0.03, 0.005);
