@@ -7,6 +7,8 @@
 #   bash scripts/fuzz.sh [SECONDS] [TARGET...]   default 60 seconds, every target
 #   STRAIGHTLUX_FUZZ_RUNS=N        stop each target after N executions instead
 #   STRAIGHTLUX_FUZZ_BUILD_DIR=D   build folder (default build/fuzz)
+#   STRAIGHTLUX_FUZZ_TIMEOUT=S     an input running longer is a finding (default 10 s;
+#                                  raise it on a loaded machine)
 #
 # New inputs go to D/corpus/NAME (the checked-in seeds are left alone); an
 # input that breaks a target is written to D/findings/NAME/. Once the fault
@@ -47,7 +49,7 @@ for target in "${targets[@]}"; do
   # tenfold. Its leaks are the asan test suite's business.
   extra=()
   [ "$target" = spark_process ] && extra=(-detect_leaks=0)
-  ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1} "$build/fuzz_$target" "${limit[@]}" "${extra[@]}" -timeout=10 \
+  ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1} "$build/fuzz_$target" "${limit[@]}" "${extra[@]}" -timeout="${STRAIGHTLUX_FUZZ_TIMEOUT:-10}" \
     -print_final_stats=1 -artifact_prefix="$build/findings/$target/" \
     "$build/corpus/$target" "fuzz/corpus/$target" >"$log" 2>&1 || status=$?
   runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -1)

@@ -7,6 +7,7 @@
 #include <dlfcn.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 
 #include "GlForward.h"
@@ -51,6 +52,11 @@ void fetchGl(const OsMesa& m, void* library, const char* name, F& out) {
 
 OsMesa load() {
     OsMesa m;
+    // Mesa's llvmpipe rasterises on worker threads that live until the
+    // process ends, where the leak checker's stop-the-world has been seen to
+    // crash on them. With none it rasterises on the drawing thread, which is
+    // quick enough for overlays. A value the user set is kept.
+    setenv("LP_NUM_THREADS", "0", 0);
     void* library = nullptr;
     for (const char* name : {"libOSMesa.so.8", "libOSMesa.so.6", "libOSMesa.so"}) {
         library = dlopen(name, RTLD_NOW | RTLD_LOCAL);
