@@ -267,12 +267,12 @@ SampleType outputSampleType(const std::string& path, int hostDepth) {
 namespace {
 // Reads a written file back whole: for writers that could not use the checked stream.
 bool readsBack(const std::string& path, int width, int height, std::string* error) {
-    auto in = OIIO::ImageInput::open(path);
-    if (!in) {
-        *error = oiioError();
+    auto in = OIIO::ImageInput::create(path);
+    OIIO::ImageSpec header;
+    if (!in || !in->open(path, header)) {
+        *error = in ? trimmedError(in->geterror()) : oiioError();
         return false;
     }
-    const OIIO::ImageSpec& header = in->spec();
     std::vector<float> samples(static_cast<size_t>(header.width) * header.height *
                                std::max(header.nchannels, 1));
     bool fine = header.width == width && header.height == height &&

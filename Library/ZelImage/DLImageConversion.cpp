@@ -57,42 +57,52 @@ ImageZel* prepareImage(long width, long height, double aspect, int factor, Image
     return image;
 }
 
-}  // namespace
-
-ImageZel* ConvertFromDLImage8(unsigned char* buffer, long width, long height, double aspect,
-                              int factor, ImageZel* reuse, int copyPixels) {
+// Both depths: the image prepared (or reused) for the factor, then filled in
+// bands; full resolution fills the host's rows, sub-sampled the image's.
+template <class Word, class CopyFull, class CopySampled>
+ImageZel* convertFromHost(Word* buffer, long width, long height, double aspect, int factor,
+                          ImageZel* reuse, int copyPixels, CopyFull copyFull,
+                          CopySampled copySampled) {
     factor = dlEffectiveFactor(factor);
     if (buffer == nullptr) return nullptr;
     ImageZel* image = prepareImage(width, height, aspect, factor, reuse);
     if (image == nullptr || copyPixels == 0) return image;
-    // Full resolution fills the host's rows, sub-sampled the image's.
     zelForEachBand(factor == 1 ? height : image->height, [=](long first, long last) {
         if (factor == 1) {
-            dlCopyRows8(buffer, width, image, first, last);
+            copyFull(image, first, last);
         } else {
-            dlCopyRowsSampled8(buffer, width, height, factor, kDLAlphaFull, image, first, last);
+            copySampled(image, factor, first, last);
         }
     });
     return image;
 }
 
+}  // namespace
+
+ImageZel* ConvertFromDLImage8(unsigned char* buffer, long width, long height, double aspect,
+                              int factor, ImageZel* reuse, int copyPixels) {
+    return convertFromHost(
+        buffer, width, height, aspect, factor, reuse, copyPixels,
+        [=](ImageZel* image, long first, long last) {
+            dlCopyRows8(buffer, width, image, first, last);
+        },
+        [=](ImageZel* image, int sampling, long first, long last) {
+            dlCopyRowsSampled8(buffer, width, height, sampling, kDLAlphaFull, image, first, last);
+        });
+}
+
 ImageZel* ConvertFromDLImage12(unsigned short* buffer, long width, long height, double aspect,
                                int factor, ImageZel* reuse, int copyPixels) {
-    factor = dlEffectiveFactor(factor);
-    if (buffer == nullptr) return nullptr;
-    ImageZel* image = prepareImage(width, height, aspect, factor, reuse);
-    if (image == nullptr || copyPixels == 0) return image;
-    // Full resolution fills the host's rows, sub-sampled the image's.
-    zelForEachBand(factor == 1 ? height : image->height, [=](long first, long last) {
-        if (factor == 1) {
+    return convertFromHost(
+        buffer, width, height, aspect, factor, reuse, copyPixels,
+        [=](ImageZel* image, long first, long last) {
             dlCopyRows12(buffer, width, image, first, last);
-        } else {
+        },
+        [=](ImageZel* image, int sampling, long first, long last) {
             // Sub-sampled 12-bit pixels get alpha 65535, unlike every other path; kept.
-            dlCopyRowsSampled12(buffer, width, height, factor, kDLAlphaSubSampled12, image, first,
+            dlCopyRowsSampled12(buffer, width, height, sampling, kDLAlphaSubSampled12, image, first,
                                 last);
-        }
-    });
-    return image;
+        });
 }
 
 long DLImageSide(long hostSide, int factor) {

@@ -10,6 +10,32 @@
 #include "ImageZel.h"
 #include "ZelCpu.h"
 
+namespace {
+
+void expectSamePixels(const ImageZel& plain, const ImageZel& vector) {
+    for (long y = 0; y < plain.height; ++y)
+        for (long x = 0; x < plain.width; ++x) {
+            const PixelZel& a = plain.rows[y][x];
+            const PixelZel& b = vector.rows[y][x];
+            ASSERT_TRUE(a.red == b.red && a.green == b.green && a.blue == b.blue &&
+                        a.alpha == b.alpha)
+                << x << "," << y;
+        }
+}
+
+// Pixel i holds channels 3i, 3i + 1, 3i + 2 and alpha i (16 bits, wrapping).
+void fillWithEveryChannelValue(ImageZel& image) {
+    for (long y = 0; y < image.height; ++y)
+        for (long x = 0; x < image.width; ++x) {
+            const unsigned int i = static_cast<unsigned int>(y * image.width + x);
+            image.rows[y][x] =
+                PixelZel{static_cast<unsigned short>(i * 3), static_cast<unsigned short>(i * 3 + 1),
+                         static_cast<unsigned short>(i * 3 + 2), static_cast<unsigned short>(i)};
+        }
+}
+
+}  // namespace
+
 TEST(DLImageRows, TwelveBitVectorFormsMatchThePlainForms) {
     if (!zelUseAvx2()) GTEST_SKIP() << "this processor has no AVX2";
     const long width = 37, height = 600;  // 22200 pixels, 66600 words: every word value
@@ -22,23 +48,10 @@ TEST(DLImageRows, TwelveBitVectorFormsMatchThePlainForms) {
     dlCopyRows12(host.data(), width, &plain, 0, height - 1);
     zelForcePlainCpu(false);
     dlCopyRows12(host.data(), width, &vector, 0, height - 1);
-    for (long y = 0; y < height; ++y)
-        for (long x = 0; x < width; ++x) {
-            const PixelZel& a = plain.rows[y][x];
-            const PixelZel& b = vector.rows[y][x];
-            ASSERT_TRUE(a.red == b.red && a.green == b.green && a.blue == b.blue &&
-                        a.alpha == b.alpha)
-                << x << "," << y;
-        }
+    ASSERT_NO_FATAL_FAILURE(expectSamePixels(plain, vector));
 
     // Every channel value on the way out, over host words with set low bits.
-    for (long y = 0; y < height; ++y)
-        for (long x = 0; x < width; ++x) {
-            const unsigned int i = static_cast<unsigned int>(y * width + x);
-            vector.rows[y][x] =
-                PixelZel{static_cast<unsigned short>(i * 3), static_cast<unsigned short>(i * 3 + 1),
-                         static_cast<unsigned short>(i * 3 + 2), static_cast<unsigned short>(i)};
-        }
+    fillWithEveryChannelValue(vector);
     std::vector<unsigned short> plainOut = host, vectorOut = host;
     zelForcePlainCpu(true);
     dlPasteRows12(&vector, plainOut.data(), 0, height - 1);
@@ -62,23 +75,10 @@ TEST(DLImageRows, EightBitVectorFormsMatchThePlainForms) {
     dlCopyRows8(host.data(), width, &plain, 0, height - 1);
     zelForcePlainCpu(false);
     dlCopyRows8(host.data(), width, &vector, 0, height - 1);
-    for (long y = 0; y < height; ++y)
-        for (long x = 0; x < width; ++x) {
-            const PixelZel& a = plain.rows[y][x];
-            const PixelZel& b = vector.rows[y][x];
-            ASSERT_TRUE(a.red == b.red && a.green == b.green && a.blue == b.blue &&
-                        a.alpha == b.alpha)
-                << x << "," << y;
-        }
+    ASSERT_NO_FATAL_FAILURE(expectSamePixels(plain, vector));
 
     // Every channel value on the way out (above 32767 they clamp to 255).
-    for (long y = 0; y < height; ++y)
-        for (long x = 0; x < width; ++x) {
-            const unsigned int i = static_cast<unsigned int>(y * width + x);
-            vector.rows[y][x] =
-                PixelZel{static_cast<unsigned short>(i * 3), static_cast<unsigned short>(i * 3 + 1),
-                         static_cast<unsigned short>(i * 3 + 2), static_cast<unsigned short>(i)};
-        }
+    fillWithEveryChannelValue(vector);
     std::vector<unsigned char> plainOut(host.size(), 0), vectorOut(host.size(), 0);
     zelForcePlainCpu(true);
     dlPasteRows8(&vector, plainOut.data(), 0, height - 1);
