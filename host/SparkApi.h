@@ -1,5 +1,5 @@
 // The one header through which the host binding sees the host: the host's C
-// interface (records, control records, imported functions; ours in host/sdk,
+// interface (records, control records, imported functions; ours in sparkapi/,
 // or the host's own header when the build points at it) and the OpenGL 1.x
 // calls of the viewer overlay, which resolve from the host process too.
 // Nothing outside host/ includes this.
