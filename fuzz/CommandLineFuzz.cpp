@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-#include "ControlTable.h"
+#include "ControlNames.h"
 #include "FramePattern.h"
 #include "RunOptions.h"
 
@@ -26,7 +26,7 @@ const size_t kMaxArguments = 64;
 const size_t kMaxFrames = 1000000;
 
 simhost::Plugin* plugin = nullptr;
-ControlTable* table = nullptr;
+ControlNames* table = nullptr;
 std::vector<std::vector<unsigned char>> pristine;
 
 void fail(const char* rule, const std::string& detail) {
@@ -91,7 +91,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
         std::fprintf(stderr, "cannot load %s: %s\n", STRAIGHTLUX_PLUGIN, error.c_str());
         std::exit(1);
     }
-    table = new ControlTable(plugin->records());
+    table = new ControlNames(plugin->records());
     for (const Control& control : table->controls()) {
         const auto* bytes = static_cast<const unsigned char*>(control.record);
         pristine.emplace_back(bytes, bytes + bytesOf(control));

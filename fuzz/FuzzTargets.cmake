@@ -13,20 +13,16 @@
 # replay also defines STRAIGHTLUX_FUZZ_REPLAY, for checks too slow to make
 # on every fuzzed input.
 
-set(tools ${CMAKE_CURRENT_LIST_DIR}/../tools)
-
 # The simulated host's set-up reader, with the real plug-in's records.
 straightlux_fuzz_target(setup_reader
   SOURCES SetupReaderFuzz.cpp
-  LINK simhost)
+  LINK simhost safeio)
 
 # sparkrun's command line, and the control values, frame ranges and file
 # patterns it carries, with the real plug-in's records.
 straightlux_fuzz_target(command_line
-  SOURCES CommandLineFuzz.cpp ${tools}/RunOptions.cpp ${tools}/FramePattern.cpp
-          ${tools}/ControlTable.cpp ${tools}/FrameMemory.cpp ${tools}/FloatEncoding.cpp
-  INCLUDES ${tools}
-  LINK simhost)
+  SOURCES CommandLineFuzz.cpp
+  LINK sparkapp_run)
 
 # The amplitude file reader of the "Import Amplitude File" button.
 straightlux_fuzz_target(amplitude_file
@@ -35,8 +31,8 @@ straightlux_fuzz_target(amplitude_file
 
 # sparkrun's lines file reader and writer.
 straightlux_fuzz_target(lines_file
-  SOURCES LinesFileFuzz.cpp ${tools}/LinesFile.cpp
-  INCLUDES ${tools})
+  SOURCES LinesFileFuzz.cpp
+  LINK sparkapp_lines)
 
 # One whole frame through the real plug-in with random records, an overlay
 # drawing and pointer events.

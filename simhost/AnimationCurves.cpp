@@ -57,15 +57,14 @@ extern "C" {
 
 float sparkGetCurveValuef(int type, int controlNo, float frame) {
     Host& host = Host::instance();
-    host.record("sparkGetCurveValuef", {argText(type), argText(controlNo), argText(frame)});
+    simhost::note("sparkGetCurveValuef", type, controlNo, frame);
     if (host.curveFn) return host.curveFn(type, controlNo, frame);
     return host.curveValue(controlNo, frame);
 }
 
 void sparkSetCurveKey(int type, int controlNo, int frame, float value) {
     Host& host = Host::instance();
-    host.record("sparkSetCurveKey",
-                {argText(type), argText(controlNo), argText(frame), argText(value)});
+    simhost::note("sparkSetCurveKey", type, controlNo, frame, value);
     host.curveKeys[controlNo][frame] = value;
 }
 

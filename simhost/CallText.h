@@ -1,10 +1,14 @@
-// Text forms of call arguments for the recorded call list.
+// Text forms of call arguments for the recorded call list, and note(), which
+// host functions call to record themselves.
 //
 // Integers print with "%d" (unsigned ones with "%u"), floats and doubles with
-// "%g", texts as they stand; a null text prints as "(null)".
+// "%g", texts as they stand; a null text prints as "(null)". Nothing is
+// formatted while recording is off.
 #pragma once
 
 #include <string>
+
+#include "SimHost.h"
 
 namespace simhost {
 
@@ -13,5 +17,12 @@ std::string argText(unsigned value);
 std::string argText(long value);
 std::string argText(double value);
 std::string argText(const char* text);
+
+// Records the call name(args...) when the host records calls.
+template <class... Args>
+void note(const char* name, const Args&... args) {
+    Host& host = Host::instance();
+    if (host.recording()) host.record(name, {argText(args)...});
+}
 
 }  // namespace simhost

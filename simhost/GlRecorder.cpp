@@ -11,8 +11,6 @@
 #include "GlForward.h"
 #include "SimHost.h"
 
-using simhost::argText;
-
 namespace {
 using GLenum = unsigned int;
 using GLfloat = float;
@@ -20,10 +18,6 @@ using GLdouble = double;
 using GLint = int;
 using GLsizei = int;
 using GLushort = unsigned short;
-
-void recordGl(const char* name, std::vector<std::string> args) {
-    simhost::Host::instance().record(name, std::move(args));
-}
 
 std::atomic<const simhost::GlForward*> forwardTable{nullptr};
 
@@ -41,109 +35,108 @@ void simhost::setGlForward(const GlForward* table) { forwardTable.store(table); 
 extern "C" {
 
 void glBegin(GLenum mode) {
-    recordGl("glBegin", {argText(mode)});
+    simhost::note("glBegin", mode);
     if (auto f = forwarded(&simhost::GlForward::begin)) f(mode);
 }
 void glEnd(void) {
-    recordGl("glEnd", {});
+    simhost::note("glEnd");
     if (auto f = forwarded(&simhost::GlForward::end)) f();
 }
 
 void glVertex2f(GLfloat x, GLfloat y) {
-    recordGl("glVertex2f", {argText(x), argText(y)});
+    simhost::note("glVertex2f", x, y);
     if (auto f = forwarded(&simhost::GlForward::vertex2f)) f(x, y);
 }
 void glVertex2i(GLint x, GLint y) {
-    recordGl("glVertex2i", {argText(x), argText(y)});
+    simhost::note("glVertex2i", x, y);
     if (auto f = forwarded(&simhost::GlForward::vertex2i)) f(x, y);
 }
 void glVertex3f(GLfloat x, GLfloat y, GLfloat z) {
-    recordGl("glVertex3f", {argText(x), argText(y), argText(z)});
+    simhost::note("glVertex3f", x, y, z);
     if (auto f = forwarded(&simhost::GlForward::vertex3f)) f(x, y, z);
 }
 
 void glColor3f(GLfloat r, GLfloat g, GLfloat b) {
-    recordGl("glColor3f", {argText(r), argText(g), argText(b)});
+    simhost::note("glColor3f", r, g, b);
     if (auto f = forwarded(&simhost::GlForward::color3f)) f(r, g, b);
 }
 void glColor4f(GLfloat r, GLfloat g, GLfloat b, GLfloat a) {
-    recordGl("glColor4f", {argText(r), argText(g), argText(b), argText(a)});
+    simhost::note("glColor4f", r, g, b, a);
     if (auto f = forwarded(&simhost::GlForward::color4f)) f(r, g, b, a);
 }
 void glColor3us(GLushort r, GLushort g, GLushort b) {
-    recordGl("glColor3us", {argText(int{r}), argText(int{g}), argText(int{b})});
+    simhost::note("glColor3us", int{r}, int{g}, int{b});
     if (auto f = forwarded(&simhost::GlForward::color3us)) f(r, g, b);
 }
 void glColor4us(GLushort r, GLushort g, GLushort b, GLushort a) {
-    recordGl("glColor4us", {argText(int{r}), argText(int{g}), argText(int{b}), argText(int{a})});
+    simhost::note("glColor4us", int{r}, int{g}, int{b}, int{a});
     if (auto f = forwarded(&simhost::GlForward::color4us)) f(r, g, b, a);
 }
 
 void glLoadIdentity(void) {
-    recordGl("glLoadIdentity", {});
+    simhost::note("glLoadIdentity");
     if (auto f = forwarded(&simhost::GlForward::loadIdentity)) f();
 }
 void glTranslatef(GLfloat x, GLfloat y, GLfloat z) {
-    recordGl("glTranslatef", {argText(x), argText(y), argText(z)});
+    simhost::note("glTranslatef", x, y, z);
     if (auto f = forwarded(&simhost::GlForward::translatef)) f(x, y, z);
 }
 void glScalef(GLfloat x, GLfloat y, GLfloat z) {
-    recordGl("glScalef", {argText(x), argText(y), argText(z)});
+    simhost::note("glScalef", x, y, z);
     if (auto f = forwarded(&simhost::GlForward::scalef)) f(x, y, z);
 }
 void glPushMatrix(void) {
-    recordGl("glPushMatrix", {});
+    simhost::note("glPushMatrix");
     if (auto f = forwarded(&simhost::GlForward::pushMatrix)) f();
 }
 void glPopMatrix(void) {
-    recordGl("glPopMatrix", {});
+    simhost::note("glPopMatrix");
     if (auto f = forwarded(&simhost::GlForward::popMatrix)) f();
 }
 void glMatrixMode(GLenum mode) {
-    recordGl("glMatrixMode", {argText(mode)});
+    simhost::note("glMatrixMode", mode);
     if (auto f = forwarded(&simhost::GlForward::matrixMode)) f(mode);
 }
 void glOrtho(GLdouble left, GLdouble right, GLdouble bottom, GLdouble top, GLdouble zNear,
              GLdouble zFar) {
-    recordGl("glOrtho", {argText(left), argText(right), argText(bottom), argText(top),
-                         argText(zNear), argText(zFar)});
+    simhost::note("glOrtho", left, right, bottom, top, zNear, zFar);
     if (auto f = forwarded(&simhost::GlForward::ortho)) f(left, right, bottom, top, zNear, zFar);
 }
 void glViewport(GLint x, GLint y, GLsizei width, GLsizei height) {
-    recordGl("glViewport", {argText(x), argText(y), argText(width), argText(height)});
+    simhost::note("glViewport", x, y, width, height);
     if (auto f = forwarded(&simhost::GlForward::viewport)) f(x, y, width, height);
 }
 
 void glFlush(void) {
-    recordGl("glFlush", {});
+    simhost::note("glFlush");
     if (auto f = forwarded(&simhost::GlForward::flush)) f();
 }
 void glLineWidth(GLfloat width) {
-    recordGl("glLineWidth", {argText(width)});
+    simhost::note("glLineWidth", width);
     if (auto f = forwarded(&simhost::GlForward::lineWidth)) f(width);
 }
 void glPointSize(GLfloat size) {
-    recordGl("glPointSize", {argText(size)});
+    simhost::note("glPointSize", size);
     if (auto f = forwarded(&simhost::GlForward::pointSize)) f(size);
 }
 void glEnable(GLenum capability) {
-    recordGl("glEnable", {argText(capability)});
+    simhost::note("glEnable", capability);
     if (auto f = forwarded(&simhost::GlForward::enable)) f(capability);
 }
 void glDisable(GLenum capability) {
-    recordGl("glDisable", {argText(capability)});
+    simhost::note("glDisable", capability);
     if (auto f = forwarded(&simhost::GlForward::disable)) f(capability);
 }
 void glBlendFunc(GLenum source, GLenum destination) {
-    recordGl("glBlendFunc", {argText(source), argText(destination)});
+    simhost::note("glBlendFunc", source, destination);
     if (auto f = forwarded(&simhost::GlForward::blendFunc)) f(source, destination);
 }
 void glLineStipple(GLint factor, GLushort pattern) {
-    recordGl("glLineStipple", {argText(factor), argText(int{pattern})});
+    simhost::note("glLineStipple", factor, int{pattern});
     if (auto f = forwarded(&simhost::GlForward::lineStipple)) f(factor, pattern);
 }
 void glRasterPos2f(GLfloat x, GLfloat y) {
-    recordGl("glRasterPos2f", {argText(x), argText(y)});
+    simhost::note("glRasterPos2f", x, y);
     if (auto f = forwarded(&simhost::GlForward::rasterPos2f)) f(x, y);
 }
 

@@ -7,12 +7,14 @@
 // significant digits so that they read back bit for bit; string values escape
 // backslash and newline. A load reads the whole file before it changes
 // anything, so a missing or malformed file leaves every value as it was.
-// Every value is checked as the tool checks one given on its command line
-// (RecordValues.h), against the loaded plug-in's record: a float's range and
+// Every value is checked by the rules of RecordValues.h, as a value a user
+// types is, against the loaded plug-in's record: a float's range and
 // finiteness, an integer's range, a menu index against its entries, 0 or 1
 // for a check box, a text's length, a key's frame (from 0) and value. The
 // first value that fails is reported with the file, the line and what is
 // valid. Only regular files are read (a pipe would hang the load).
+#include <OutputFile.h>
+#include <RecordValues.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -25,14 +27,19 @@
 
 #include "CallText.h"
 #include "ControlRecords.h"
-#include "OutputFile.h"
-#include "RecordValues.h"
 #include "SimHost.h"
 
 using simhost::argText;
 using simhost::Host;
 
 namespace simhost {
+
+using safeio::checkColourText;
+using safeio::checkFloatText;
+using safeio::checkIntText;
+using safeio::OutputFile;
+using safeio::rangeText;
+using safeio::ValueCheck;
 
 namespace {
 const char kHeader[] = "simhost set-up 1";
@@ -190,8 +197,8 @@ void floatRange(const std::string& kind, void* address, float* min, float* max) 
     }
 }
 
-// Checks an entry's value the way the tool checks one given on its command
-// line, against the loaded plug-in's record; empty when fine, else what is wrong.
+// Checks an entry's value by the rules for a typed value, against the loaded
+// plug-in's record; empty when fine, else what is wrong.
 std::string checkEntry(const Host& host, Entry* entry) {
     if (entry->kind == kKeyKind) {
         std::string kind;
@@ -359,7 +366,8 @@ extern "C" {
 
 void sparkSaveSetup(char* name) {
     Host& host = Host::instance();
-    host.record("sparkSaveSetup", {argText(name)});
+    simhost::note("sparkSaveSetup", name);
+    ++host.setupSaves;
     if (!host.setupFiles) return;
     std::string error;
     host.setupError =
@@ -368,7 +376,8 @@ void sparkSaveSetup(char* name) {
 
 void sparkLoadSetup(char* name) {
     Host& host = Host::instance();
-    host.record("sparkLoadSetup", {argText(name)});
+    simhost::note("sparkLoadSetup", name);
+    ++host.setupLoads;
     if (!host.setupFiles) return;
     std::string error;
     host.setupError =

@@ -106,8 +106,17 @@ void Host::reset() {
     curveKeys.clear();
     setupFiles = false;
     setupError.clear();
+    messageSink = nullptr;
+    setupLoads = 0;
+    setupSaves = 0;
     // The loaded plug-in stays: it belongs to its Plugin object, not to the script.
     clearCalls();
+}
+
+void Host::deliverMessage(const char* text) {
+    if (!messageSink) return;
+    std::lock_guard<std::mutex> lock(mutex_);
+    messageSink(argText(text));
 }
 
 void Host::record(const std::string& name, std::vector<std::string> args) {

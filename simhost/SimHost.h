@@ -3,16 +3,23 @@
 // The library defines every host function of the Spark interface (sparkMessage,
 // sparkMemGetBuffer, sparkMpFork, ...) and the OpenGL 1.x immediate-mode calls a
 // plug-in draws its overlays with, so that a plug-in loaded with dlopen resolves
-// them from this process exactly as it would inside the real host. Every call is
-// recorded with its arguments; the answers come from scriptable state. Plugin
-// loads a plug-in by path and finds its entry points and control records by name.
+// them from this process exactly as it would inside the real host. The answers
+// come from scriptable state. Plugin loads a plug-in by path and finds its entry
+// points and control records by name.
 //
-// Threads: host functions may be called from sparkMpFork workers; recording is
-// locked. Everything else is meant for one driving thread.
+// What the plug-in tells its host reaches the driving program through the
+// message sink and the set-up counters. A test can also switch on recording,
+// which keeps every call with its arguments; off, no call costs more than its
+// answer, so a long run stays flat.
+//
+// Threads: host functions may be called from sparkMpFork workers; recording
+// and the message sink are locked. Everything else is meant for one driving
+// thread.
 #pragma once
 
 #include <spark.h>
 
+#include <atomic>
 #include <deque>
 #include <functional>
 #include <map>
@@ -51,8 +58,9 @@ class Plugin;
 class Host {
   public:
     static Host& instance();
-    // Back to the defaults below; forgets recorded calls, buffers and keys.
-    // The loaded plug-in stays (it belongs to its Plugin object).
+    // Back to the defaults below; forgets recorded calls, buffers, keys and
+    // the counters. The loaded plug-in stays (it belongs to its Plugin
+    // object), and so does the recording switch.
     void reset();
 
     // ---- scriptable state ----
@@ -90,7 +98,18 @@ class Host {
 
     Plugin* plugin = nullptr;  // the plug-in last loaded (set by Plugin::load)
 
-    // ---- recorded calls ----
+    // ---- what the plug-in tells its host ----
+    // Called with the text of each sparkError and sparkMessage, on the
+    // calling thread (a worker's too, one at a time).
+    std::function<void(const std::string& text)> messageSink;
+    void deliverMessage(const char* text);
+    // sparkLoadSetup and sparkSaveSetup calls since reset().
+    int setupLoads = 0;
+    int setupSaves = 0;
+
+    // ---- recorded calls (off unless switched on) ----
+    void setRecording(bool on) { recording_.store(on); }
+    bool recording() const { return recording_.load(std::memory_order_relaxed); }
     void record(const std::string& name, std::vector<std::string> args);
     std::vector<Call> calls() const;
     std::vector<Call> callsNamed(const std::string& name) const;
@@ -113,6 +132,7 @@ class Host {
     Host() = default;
     mutable std::mutex mutex_;
     std::vector<Call> calls_;
+    std::atomic<bool> recording_{false};
 };
 
 // A plug-in loaded with dlopen (RTLD_NOW | RTLD_LOCAL).

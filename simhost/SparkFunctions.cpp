@@ -39,12 +39,18 @@ extern "C" {
 
 // ---- messages ----
 
-void sparkError(char* text) { host().record("sparkError", {argText(text)}); }
+void sparkError(char* text) {
+    simhost::note("sparkError", text);
+    host().deliverMessage(text);
+}
 
-void sparkMessage(char* text) { host().record("sparkMessage", {argText(text)}); }
+void sparkMessage(char* text) {
+    simhost::note("sparkMessage", text);
+    host().deliverMessage(text);
+}
 
 int sparkMessageConfirm(char* text) {
-    host().record("sparkMessageConfirm", {argText(text)});
+    simhost::note("sparkMessageConfirm", text);
     Host& h = host();
     if (h.confirmAnswers.empty()) return h.confirmDefault;
     const int answer = h.confirmAnswers.front();
@@ -54,49 +60,43 @@ int sparkMessageConfirm(char* text) {
 
 // ---- titles and channels ----
 
-void sparkControlTitle(int page, char* title) {
-    host().record("sparkControlTitle", {argText(page), argText(title)});
-}
+void sparkControlTitle(int page, char* title) { simhost::note("sparkControlTitle", page, title); }
 
 void sparkClipControlTitle(int clip, char* title) {
-    host().record("sparkClipControlTitle", {argText(clip), argText(title)});
+    simhost::note("sparkClipControlTitle", clip, title);
 }
 
 int sparkSetControlName(int type, int controlNo, char* name) {
-    host().record("sparkSetControlName", {argText(type), argText(controlNo), argText(name)});
+    simhost::note("sparkSetControlName", type, controlNo, name);
     return 1;
 }
 
-void sparkControlUpdate(int controlNo) {
-    host().record("sparkControlUpdate", {argText(controlNo)});
-}
+void sparkControlUpdate(int controlNo) { simhost::note("sparkControlUpdate", controlNo); }
 
 void sparkEnableParameter(int type, int controlNo) {
-    host().record("sparkEnableParameter", {argText(type), argText(controlNo)});
+    simhost::note("sparkEnableParameter", type, controlNo);
 }
 
 void sparkDisableParameter(int type, int controlNo) {
-    host().record("sparkDisableParameter", {argText(type), argText(controlNo)});
+    simhost::note("sparkDisableParameter", type, controlNo);
 }
 
-void sparkCeAddFolder(int level, char* name) {
-    host().record("sparkCeAddFolder", {argText(level), argText(name)});
-}
+void sparkCeAddFolder(int level, char* name) { simhost::note("sparkCeAddFolder", level, name); }
 
 void sparkCeAddControl(int level, int type, int controlNo) {
-    host().record("sparkCeAddControl", {argText(level), argText(type), argText(controlNo)});
+    simhost::note("sparkCeAddControl", level, type, controlNo);
 }
 
 // ---- buffers and frames ----
 
 int sparkMemGetFreeMemory(void) {
-    host().record("sparkMemGetFreeMemory", {});
+    simhost::note("sparkMemGetFreeMemory");
     return host().freeBuffers;
 }
 
 int sparkMemGetBuffer(int id, SparkMemBufStruct* record) {
     Host& h = host();
-    h.record("sparkMemGetBuffer", {argText(id)});
+    simhost::note("sparkMemGetBuffer", id);
     if (!record || h.failingBufferIds.count(id)) return 0;
     auto found = h.buffers.find(id);
     if (found == h.buffers.end()) return 0;
@@ -106,14 +106,14 @@ int sparkMemGetBuffer(int id, SparkMemBufStruct* record) {
 }
 
 void sparkGetFrame(int clip, int frame, unsigned long* destination) {
-    host().record("sparkGetFrame", {argText(clip), argText(frame)});
+    simhost::note("sparkGetFrame", clip, frame);
     if (host().frameSource) host().frameSource(clip, frame, destination);
 }
 
 // ---- viewer ----
 
 void sparkGraphSetup(SparkGraphInfoStruct* record) {
-    host().record("sparkGraphSetup", {});
+    simhost::note("sparkGraphSetup");
     if (!record) return;
     std::memset(record, 0, sizeof *record);
     record->PixelAspectRatio = host().pixelAspect;
@@ -122,21 +122,21 @@ void sparkGraphSetup(SparkGraphInfoStruct* record) {
 }
 
 float sparkGetViewerRatio(void) {
-    host().record("sparkGetViewerRatio", {});
+    simhost::note("sparkGetViewerRatio");
     return host().viewerRatio;
 }
 
-void sparkViewingCursor(int kind) { host().record("sparkViewingCursor", {argText(kind)}); }
+void sparkViewingCursor(int kind) { simhost::note("sparkViewingCursor", kind); }
 
-void sparkViewingDraw(void) { host().record("sparkViewingDraw", {}); }
+void sparkViewingDraw(void) { simhost::note("sparkViewingDraw"); }
 
-void sparkCursorBusy(void) { host().record("sparkCursorBusy", {}); }
+void sparkCursorBusy(void) { simhost::note("sparkCursorBusy"); }
 
 // ---- files ----
 
 void sparkFileBrowserDisplay(char* path, char* extension, void (*callback)(char* path)) {
     Host& h = host();
-    h.record("sparkFileBrowserDisplay", {argText(path), argText(extension)});
+    simhost::note("sparkFileBrowserDisplay", path, extension);
     if (h.fileBrowserChoice.empty() || !callback) return;
     // The callback may write into the path it is given, as with the host's own buffer.
     std::vector<char> choice(FILENAME_MAX, '\0');
@@ -145,7 +145,7 @@ void sparkFileBrowserDisplay(char* path, char* extension, void (*callback)(char*
 }
 
 void sparkWorkingDir(char* dir) {
-    host().record("sparkWorkingDir", {});
+    simhost::note("sparkWorkingDir");
     if (!dir) return;
     std::snprintf(dir, FILENAME_MAX, "%s", host().workingDir.c_str());
 }
@@ -153,12 +153,12 @@ void sparkWorkingDir(char* dir) {
 // ---- other ----
 
 float sparkAPIVersionInfo(void) {
-    host().record("sparkAPIVersionInfo", {});
+    simhost::note("sparkAPIVersionInfo");
     return host().apiVersion;
 }
 
 const char* sparkProgramGetName(void) {
-    host().record("sparkProgramGetName", {});
+    simhost::note("sparkProgramGetName");
     return host().programName.c_str();
 }
 

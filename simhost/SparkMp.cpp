@@ -74,7 +74,7 @@ int Host::workerIndex() { return currentWorker; }
 extern "C" {
 
 void sparkMpFork(void (*fn)(), int argCount, ...) {
-    Host::instance().record("sparkMpFork", {argText(argCount)});
+    simhost::note("sparkMpFork", argCount);
     if (!fn) return;
     if (argCount > kMaxForkArgs) {
         std::fprintf(stderr, "simhost: sparkMpFork with %d arguments; at most %d are supported\n",
@@ -108,7 +108,7 @@ void sparkMpFork(void (*fn)(), int argCount, ...) {
 
 void sparkMpInfo(unsigned long* offset, unsigned long* length) {
     const int worker = std::max(0, currentWorker);
-    Host::instance().record("sparkMpInfo", {});
+    simhost::note("sparkMpInfo");
     if (offset) *offset = static_cast<unsigned long>(worker) * kShareLength;
     if (length) *length = kShareLength;
 }

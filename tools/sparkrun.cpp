@@ -2,6 +2,7 @@
 // and the small picture utilities of the demonstration (chart, comparison,
 // side by side). See usageText() for the command line and RunStatus.h for
 // the exit codes.
+#include <OutputFile.h>
 #include <Viewer.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -19,7 +20,7 @@
 #include <thread>
 
 #include "ChartTracing.h"
-#include "ControlTable.h"
+#include "ControlNames.h"
 #include "FloatEncoding.h"
 #include "FrameMemory.h"
 #include "FramePattern.h"
@@ -27,7 +28,6 @@
 #include "ImageCompare.h"
 #include "ImageFiles.h"
 #include "LinesFile.h"
-#include "OutputFile.h"
 #include "ProcessSignals.h"
 #include "ProgressBar.h"
 #include "ReaderProcess.h"
@@ -62,7 +62,7 @@ int defaultProcessors() {
 
 // Applies --set then --key. A control set on the command line drops the keys
 // a loaded set-up gave it; a keyed control loses its set-up keys.
-RunStatus applyControls(const RunOptions& options, const ControlTable& table) {
+RunStatus applyControls(const RunOptions& options, const ControlNames& table) {
     simhost::Host& host = simhost::Host::instance();
     std::set<int> setFloats;
     for (const std::string& assignment : options.sets) {
@@ -319,7 +319,7 @@ std::string folderOf(const std::string& path) {
 // Removes what runs that died on this machine left in the folder of path.
 void sweepStaleTemporaries(const std::string& path, time_t runStart, bool verbose) {
     const std::string folder = folderOf(path);
-    const int removed = simhost::removeStaleTemporaries(folder, runStart);
+    const int removed = safeio::removeStaleTemporaries(folder, runStart);
     if (removed && verbose)
         std::printf("removed %d temporary file(s) left by an earlier run in %s\n", removed,
                     folder.c_str());

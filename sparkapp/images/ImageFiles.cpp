@@ -2,6 +2,7 @@
 #include "ImageFiles.h"
 
 #include <OpenImageIO/imageio.h>
+#include <OutputFile.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,7 +17,6 @@
 
 #include "FileHeaders.h"
 #include "FrameMemory.h"
-#include "OutputFile.h"
 #include "OutputFileProxy.h"
 #include "ReaderProcess.h"
 
@@ -296,7 +296,7 @@ RunStatus writeImage(const std::string& path, int width, int height, const RgbSa
     OIIO::ImageSpec header(width, height, kRgbChannels, type);
     if (!dateTime.empty()) header.attribute("DateTime", dateTime);
 
-    simhost::OutputFile file;
+    safeio::OutputFile file;
     std::string reason;
     if (!file.open(path, &reason)) return outputFailure("cannot write " + path + ": " + reason);
     bool proxied;

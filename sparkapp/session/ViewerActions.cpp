@@ -63,7 +63,7 @@ ViewerActions::~ViewerActions() {
 }
 
 RunStatus ViewerActions::check(bool drawLines, bool autoFind, bool overlay) const {
-    const ControlTable& controls = session_.controls();
+    const ControlNames& controls = session_.controls();
     simhost::Plugin& plugin = session_.plugin();
     if ((drawLines || overlay) && !plugin.symbol("SparkOverlay"))
         return pluginLacks("SparkOverlay entry point", drawLines ? "--lines" : "--overlay");
@@ -151,7 +151,7 @@ RunStatus ViewerActions::drawLines(const LinesFile& lines) {
 }
 
 RunStatus ViewerActions::autoFind(std::string* fitted) {
-    const ControlTable& controls = session_.controls();
+    const ControlNames& controls = session_.controls();
     const Control& button = *controls.named(kAutoFind, ControlKind::Button);
     {
         CrashContext during("in the plug-in's AutoFind callback");

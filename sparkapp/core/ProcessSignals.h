@@ -1,8 +1,9 @@
-// ProcessSignals: what sparkrun does when a signal arrives.
+// ProcessSignals: what a program does when a signal arrives.
 //
 //   SIGINT, SIGTERM, SIGHUP: the temporary file being written (a picture or
-//       a set-up) is removed, the reader process is killed, and the
-//       tool exits with 128 + the signal's number: 130, 143, 129.
+//       a set-up) is removed, the cleanups added below run (the reader
+//       process is killed), and the program exits with 128 + the signal's
+//       number: 130, 143, 129.
 //   SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT: a crash. One line on standard
 //       error says so and where ("in the plug-in's SparkProcess, frame 12"),
 //       temporaries are removed, then the handler that was there before runs
@@ -16,6 +17,11 @@
 #include <string>
 
 void installProcessSignals();
+
+// An async-signal-safe function run on a stop or a crash, after the
+// temporaries are removed (a few at most; adding one twice keeps one).
+using SignalCleanup = void (*)();
+void addSignalCleanup(SignalCleanup cleanup);
 
 // The step named in a crash message; null for none. The text is copied.
 void setCrashContext(const char* text);

@@ -1,5 +1,5 @@
 // Naming, listing and setting the plug-in's control records.
-#include "ControlTable.h"
+#include "ControlNames.h"
 
 #include <RecordValues.h>
 
@@ -122,10 +122,9 @@ FloatFields floatFields(const Control& control) {
 }
 
 // The message for a number the record refuses, naming the rule it broke.
-RunStatus valueRefused(const Control& control, const std::string& value,
-                       simhost::ValueCheck check) {
+RunStatus valueRefused(const Control& control, const std::string& value, safeio::ValueCheck check) {
     switch (check) {
-        case simhost::ValueCheck::OutOfRange: {
+        case safeio::ValueCheck::OutOfRange: {
             double min = 0.0, max = 0.0;
             if (control.kind == ControlKind::Integer) {
                 const auto* record = static_cast<const SparkIntStruct*>(control.record);
@@ -137,9 +136,9 @@ RunStatus valueRefused(const Control& control, const std::string& value,
                 max = fields.max;
             }
             return usage(control.name + " = " + value + " is outside its range " +
-                         simhost::rangeText(min, max));
+                         safeio::rangeText(min, max));
         }
-        case simhost::ValueCheck::NotFinite:
+        case safeio::ValueCheck::NotFinite:
             return usage(control.name + " takes a finite number, not \"" + value + "\"");
         default:
             break;
@@ -151,7 +150,7 @@ RunStatus valueRefused(const Control& control, const std::string& value,
 }
 }  // namespace
 
-ControlTable::ControlTable(const std::vector<simhost::Plugin::RecordRef>& records) {
+ControlNames::ControlNames(const std::vector<simhost::Plugin::RecordRef>& records) {
     for (const simhost::Plugin::RecordRef& ref : records) {
         Control control;
         control.recordKind = ref.kind;
@@ -198,7 +197,7 @@ ControlTable::ControlTable(const std::vector<simhost::Plugin::RecordRef>& record
     }
 }
 
-std::string ControlTable::validNames() const {
+std::string ControlNames::validNames() const {
     std::vector<std::string> names;
     for (const Control& control : controls_)
         if (control.kind != ControlKind::Button &&
@@ -207,14 +206,14 @@ std::string ControlTable::validNames() const {
     return names.empty() ? "(the plug-in has no settable controls)" : joined(names, ", ");
 }
 
-const Control* ControlTable::named(const std::string& name, ControlKind kind) const {
+const Control* ControlNames::named(const std::string& name, ControlKind kind) const {
     const std::string wanted = lowered(name);
     for (const Control& candidate : controls_)
         if (candidate.kind == kind && lowered(candidate.name) == wanted) return &candidate;
     return nullptr;
 }
 
-RunStatus ControlTable::find(const std::string& name, const Control** control) const {
+RunStatus ControlNames::find(const std::string& name, const Control** control) const {
     const std::string wanted = lowered(name);
     std::vector<const Control*> byName;
     const Control* button = nullptr;
@@ -250,24 +249,24 @@ RunStatus ControlTable::find(const std::string& name, const Control** control) c
     return usage("unknown control \"" + trimmed(name) + "\"; the controls are: " + validNames());
 }
 
-RunStatus ControlTable::assign(const Control& control, const std::string& text) const {
+RunStatus ControlNames::assign(const Control& control, const std::string& text) const {
     const std::string value = trimmed(text);
     switch (control.kind) {
         case ControlKind::Float: {
             const FloatFields fields = floatFields(control);
             float number = 0.0f;
-            const simhost::ValueCheck check =
-                simhost::checkFloatText(value, fields.min, fields.max, &number);
-            if (check != simhost::ValueCheck::Fine) return valueRefused(control, value, check);
+            const safeio::ValueCheck check =
+                safeio::checkFloatText(value, fields.min, fields.max, &number);
+            if (check != safeio::ValueCheck::Fine) return valueRefused(control, value, check);
             *fields.value = number;
             return RunStatus::success();
         }
         case ControlKind::Integer: {
             auto* record = static_cast<SparkIntStruct*>(control.record);
             int number = 0;
-            const simhost::ValueCheck check =
-                simhost::checkIntText(value, record->Min, record->Max, &number);
-            if (check != simhost::ValueCheck::Fine) return valueRefused(control, value, check);
+            const safeio::ValueCheck check =
+                safeio::checkIntText(value, record->Min, record->Max, &number);
+            if (check != safeio::ValueCheck::Fine) return valueRefused(control, value, check);
             record->Value = number;
             return RunStatus::success();
         }
@@ -305,7 +304,7 @@ RunStatus ControlTable::assign(const Control& control, const std::string& text) 
         }
         case ControlKind::Colour: {
             unsigned long number = 0;
-            if (simhost::checkColourText(value, &number) != simhost::ValueCheck::Fine)
+            if (safeio::checkColourText(value, &number) != safeio::ValueCheck::Fine)
                 return usage(control.name + " takes a colour number, not \"" + value + "\"");
             static_cast<SparkColorStruct*>(control.record)->Color = number;
             return RunStatus::success();
@@ -316,7 +315,7 @@ RunStatus ControlTable::assign(const Control& control, const std::string& text) 
     return usage(control.name + " holds no value to set");
 }
 
-RunStatus ControlTable::set(const std::string& assignment, const Control** control) const {
+RunStatus ControlNames::set(const std::string& assignment, const Control** control) const {
     const size_t equals = assignment.find('=');
     if (equals == std::string::npos)
         return usage("--set takes NAME=VALUE, not \"" + assignment + "\"");
@@ -328,7 +327,7 @@ RunStatus ControlTable::set(const std::string& assignment, const Control** contr
     return status;
 }
 
-RunStatus ControlTable::parseKey(const std::string& text, const Control** control, int* frame,
+RunStatus ControlNames::parseKey(const std::string& text, const Control** control, int* frame,
                                  float* value) const {
     const size_t equals = text.find('=');
     const size_t at = equals == std::string::npos ? std::string::npos : text.rfind('@', equals);
@@ -346,16 +345,16 @@ RunStatus ControlTable::parseKey(const std::string& text, const Control** contro
     const std::string valueText = trimmed(text.substr(equals + 1));
     const FloatFields fields = floatFields(*found);
     float single = 0.0f;
-    const simhost::ValueCheck check =
-        simhost::checkFloatText(valueText, fields.min, fields.max, &single);
-    if (check != simhost::ValueCheck::Fine) return valueRefused(*found, valueText, check);
+    const safeio::ValueCheck check =
+        safeio::checkFloatText(valueText, fields.min, fields.max, &single);
+    if (check != safeio::ValueCheck::Fine) return valueRefused(*found, valueText, check);
     *control = found;
     *frame = static_cast<int>(keyFrame);
     *value = single;
     return RunStatus::success();
 }
 
-std::vector<std::pair<const Control*, float>> ControlTable::keyedValues(
+std::vector<std::pair<const Control*, float>> ControlNames::keyedValues(
     const simhost::Host& host) const {
     std::vector<std::pair<const Control*, float>> values;
     for (const Control& control : controls_) {
@@ -367,11 +366,11 @@ std::vector<std::pair<const Control*, float>> ControlTable::keyedValues(
     return values;
 }
 
-void ControlTable::setValue(const Control& control, float value) const {
+void ControlNames::setValue(const Control& control, float value) const {
     if (control.kind == ControlKind::Float) *floatFields(control).value = value;
 }
 
-std::string ControlTable::applyCurves(const simhost::Host& host, unsigned frame) const {
+std::string ControlNames::applyCurves(const simhost::Host& host, unsigned frame) const {
     std::vector<std::string> applied;
     for (const Control& control : controls_) {
         if (control.kind != ControlKind::Float) continue;
@@ -383,7 +382,7 @@ std::string ControlTable::applyCurves(const simhost::Host& host, unsigned frame)
     return joined(applied, " ");
 }
 
-std::string ControlTable::valueText(const Control& control) const {
+std::string ControlNames::valueText(const Control& control) const {
     switch (control.kind) {
         case ControlKind::Float: {
             const FloatFields fields = floatFields(control);
@@ -414,7 +413,7 @@ std::string ControlTable::valueText(const Control& control) const {
     return "";
 }
 
-std::string ControlTable::listing() const {
+std::string ControlNames::listing() const {
     std::string out;
     for (const Control& control : controls_) {
         std::string head = control.name;
@@ -423,14 +422,14 @@ std::string ControlTable::listing() const {
             case ControlKind::Float: {
                 const FloatFields fields = floatFields(control);
                 detail = fields.min < fields.max
-                             ? "number, " + simhost::rangeText(fields.min, fields.max)
+                             ? "number, " + safeio::rangeText(fields.min, fields.max)
                              : "number";
                 break;
             }
             case ControlKind::Integer: {
                 const auto* record = static_cast<SparkIntStruct*>(control.record);
                 detail = record->Min < record->Max
-                             ? "whole number, " + simhost::rangeText(record->Min, record->Max)
+                             ? "whole number, " + safeio::rangeText(record->Min, record->Max)
                              : "whole number";
                 break;
             }

@@ -1,6 +1,6 @@
 // RecordValues: the values a control record accepts. One set of rules for a
-// value typed on the tool's command line (--set, --key) and one read from a
-// set-up file, so that neither lets through what the other refuses.
+// value a user types and one read from a set-up file, so that neither lets
+// through what the other refuses.
 //
 //   float fields: a whole decimal number (blanks around it allowed) whose
 //       float is finite (no NaN, no infinity, nothing beyond a float's range)
@@ -14,7 +14,7 @@
 
 #include <string>
 
-namespace simhost {
+namespace safeio {
 
 enum class ValueCheck { Fine, Malformed, NotFinite, OutOfRange };
 
@@ -25,4 +25,4 @@ ValueCheck checkFloatText(const std::string& text, float min, float max, float* 
 ValueCheck checkIntText(const std::string& text, int min, int max, int* value);
 ValueCheck checkColourText(const std::string& text, unsigned long* value);
 
-}  // namespace simhost
+}  // namespace safeio

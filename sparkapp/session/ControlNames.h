@@ -1,4 +1,4 @@
-// ControlTable: the plug-in's control records, named the way the host shows
+// ControlNames: the plug-in's control records, named the way the host shows
 // them, so that they can be listed and set from the command line.
 //
 // Names: a float or integer field is named by its title's text before ':'
@@ -36,9 +36,9 @@ struct Control {
     std::vector<std::string> entries;  // menus: the value text of each entry
 };
 
-class ControlTable {
+class ControlNames {
   public:
-    explicit ControlTable(const std::vector<simhost::Plugin::RecordRef>& records);
+    explicit ControlNames(const std::vector<simhost::Plugin::RecordRef>& records);
 
     const std::vector<Control>& controls() const { return controls_; }
 

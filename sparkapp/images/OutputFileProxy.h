@@ -1,4 +1,4 @@
-// OutputFileProxy: OpenImageIO's output stream over a simhost::OutputFile, so
+// OutputFileProxy: OpenImageIO's output stream over a safeio::OutputFile, so
 // that a picture writer writes into the exclusively created temporary and
 // every write is checked, whatever the writer itself checks.
 //
@@ -10,16 +10,14 @@
 #pragma once
 
 #include <OpenImageIO/filesystem.h>
-#include <SimHost.h>
+#include <OutputFile.h>
 
 #include <mutex>
 #include <vector>
 
-#include "OutputFile.h"
-
 class OutputFileProxy final : public OIIO::Filesystem::IOProxy {
   public:
-    explicit OutputFileProxy(simhost::OutputFile& file);
+    explicit OutputFileProxy(safeio::OutputFile& file);
     ~OutputFileProxy() override;
 
     const char* proxytype() const override { return "sparkrun-output"; }
@@ -37,7 +35,7 @@ class OutputFileProxy final : public OIIO::Filesystem::IOProxy {
     void writeLocked(const void* buffer, size_t size, uint64_t offset) const;
     void flushLocked() const;
 
-    simhost::OutputFile& file_;
+    safeio::OutputFile& file_;
     mutable std::mutex mutex_;
     mutable std::vector<unsigned char> pending_;
     mutable uint64_t pendingStart_ = 0;

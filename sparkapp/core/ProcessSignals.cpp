@@ -1,14 +1,13 @@
-// Signal handlers of sparkrun: clean exits on interruption, a word on a crash.
+// Signal handlers of the programs: clean exits on interruption, a word on a crash.
 #include "ProcessSignals.h"
 
+#include <OutputFile.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-
-#include "OutputFile.h"
-#include "ReaderProcess.h"
 
 namespace {
 const int kSignalExitBase = 128;  // the shell's status for a process ended by signal N
@@ -16,10 +15,13 @@ const int kStopSignals[] = {SIGINT, SIGTERM, SIGHUP};
 const int kCrashSignals[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
 const int kCrashSignalCount = sizeof kCrashSignals / sizeof kCrashSignals[0];
 const size_t kContextBytes = 256;
+const int kMaxCleanups = 8;
 
 struct sigaction previous[kCrashSignalCount];
 char context[kContextBytes];
 volatile sig_atomic_t contextSet = 0;
+SignalCleanup cleanups[kMaxCleanups];
+volatile sig_atomic_t cleanupCount = 0;
 
 void say(const char* text) {
     if (write(STDERR_FILENO, text, std::strlen(text)) < 0) {
@@ -42,22 +44,27 @@ const char* crashName(int signal) {
     }
 }
 
+// Temporaries first: they are what a user would find left behind.
+void cleanUp() {
+    safeio::removeOpenTemporaries();
+    for (int i = 0; i < cleanupCount; ++i) cleanups[i]();
+}
+
 void onStop(int signal) {
-    simhost::removeOpenTemporaries();
-    stopReaderProcess();
+    cleanUp();
     _exit(kSignalExitBase + signal);
 }
 
 void onCrash(int signal, siginfo_t* info, void*) {
-    say("sparkrun: crashed with ");
+    say(program_invocation_short_name);
+    say(": crashed with ");
     say(crashName(signal));
     if (contextSet) {
         say(" ");
         say(context);
     }
     say("\n");
-    simhost::removeOpenTemporaries();
-    stopReaderProcess();
+    cleanUp();
     for (int i = 0; i < kCrashSignalCount; ++i)
         if (kCrashSignals[i] == signal) sigaction(signal, &previous[i], nullptr);
     // A fault happens again when the handler returns, now for the previous
@@ -65,7 +72,7 @@ void onCrash(int signal, siginfo_t* info, void*) {
     if (info->si_code <= 0) raise(signal);
 }
 
-void atExit() { simhost::removeOpenTemporaries(); }
+void atExit() { safeio::removeOpenTemporaries(); }
 }  // namespace
 
 void installProcessSignals() {
@@ -84,6 +91,15 @@ void installProcessSignals() {
 
     std::signal(SIGXFSZ, SIG_IGN);
     std::atexit(atExit);
+}
+
+void addSignalCleanup(SignalCleanup cleanup) {
+    for (int i = 0; i < cleanupCount; ++i)
+        if (cleanups[i] == cleanup) return;
+    if (cleanupCount < kMaxCleanups) {
+        cleanups[cleanupCount] = cleanup;
+        cleanupCount = cleanupCount + 1;
+    }
 }
 
 void setCrashContext(const char* text) {

@@ -1,6 +1,7 @@
 // A separate reader process and the pipes to it.
 #include "ReaderProcess.h"
 
+#include <ProcessSignals.h>
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/prctl.h>
@@ -120,6 +121,8 @@ std::string endingOfReader() {
 }
 
 bool startReader(std::string* error) {
+    // A stop or a crash of the program ends the reader too.
+    addSignalCleanup(stopReaderProcess);
     int request[2], answer[2];
     if (pipe2(request, O_CLOEXEC) != 0) {
         *error = std::strerror(errno);
@@ -144,7 +147,7 @@ bool startReader(std::string* error) {
     posix_spawn_file_actions_adddup2(&actions, theirAnswer, kAnswerFd);
     // Whatever a library prints stays off the tool's standard output.
     posix_spawn_file_actions_adddup2(&actions, STDERR_FILENO, STDOUT_FILENO);
-    char program[] = "sparkrun";
+    char* program = program_invocation_short_name;
     std::vector<char> argument(kReaderProcessArgument,
                                kReaderProcessArgument + sizeof kReaderProcessArgument);
     char* argv[] = {program, argument.data(), nullptr};

@@ -1,4 +1,4 @@
-// The exclusive temporaries behind every picture and set-up the tool writes:
+// The exclusive temporaries behind every picture and set-up the programs write:
 // their names, their commit and what a failure or a signal leaves.
 #include <OutputFile.h>
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 #include <sstream>
 
 namespace fs = std::filesystem;
-using simhost::OutputFile;
+using safeio::OutputFile;
 
 namespace {
 class OutputFileTest : public ::testing::Test {
@@ -52,7 +52,7 @@ TEST_F(OutputFileTest, EachWriterHasItsOwnTemporaryAndTheLastCommitWins) {
         const fs::path temporary = file->temporaryPath();
         EXPECT_EQ(temporary.parent_path(), dir_);
         EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(temporary)));
-        EXPECT_TRUE(simhost::isTemporaryName(temporary.filename().string()));
+        EXPECT_TRUE(safeio::isTemporaryName(temporary.filename().string()));
         EXPECT_EQ(temporary.extension(), ".exr");  // writers may look at it
     }
     ASSERT_TRUE(first.write("first", 5));
@@ -108,19 +108,25 @@ TEST_F(OutputFileTest, DiscardAndTheSignalCleanupRemoveTheTemporary) {
     ASSERT_TRUE(open1.open(path("c.png"), &error)) << error;
     ASSERT_TRUE(open2.open(path("d.setup"), &error)) << error;
     EXPECT_EQ(names().size(), 2u);
-    simhost::removeOpenTemporaries();  // what a SIGTERM handler calls
+    safeio::removeOpenTemporaries();  // what a SIGTERM handler calls
     EXPECT_TRUE(names().empty());
 }
 
 TEST_F(OutputFileTest, OnlyTheTemporaryPatternIsRecognised) {
+    // The program's tag leads the name: other programs' temporaries are not ours.
+    safeio::setTemporaryTag("sparkrun");
+    EXPECT_EQ(safeio::temporaryPrefix(), ".sparkrun-");
+    EXPECT_FALSE(safeio::isTemporaryName(".sparkview-0123abcd-42-abcdefgh.png"));
     for (const char* name : {".sparkrun-0123abcd-42-abcdefgh.png", ".sparkrun-0123abcd-42-abcdefgh",
                              ".sparkrun-ffffffff-4194304-z0z0z0z0.tar.gz"})
-        EXPECT_TRUE(simhost::isTemporaryName(name)) << name;
+        EXPECT_TRUE(safeio::isTemporaryName(name)) << name;
     for (const char* name :
          {".sparkrun-notes.txt", ".sparkrun-0123ABCD-42-abcdefgh.png",
           "x.sparkrun-0123abcd-42-abcdefgh", ".sparkrun-0123abcd-42-abcdefg.png",
           ".sparkrun-0123abcd--abcdefgh.png", ".sparkrun-0123abcd-12345678901-abcdefgh.png",
           ".sparkrun-0123abcd-42-abcdefghi", "shot.0001.png", ".sparkrun-1234-shot.png",
           "shot.png.tmp1234"})
-        EXPECT_FALSE(simhost::isTemporaryName(name)) << name;
+        EXPECT_FALSE(safeio::isTemporaryName(name)) << name;
+    safeio::setTemporaryTag("a b/c");  // only letters, digits, '-' and '_' are kept
+    EXPECT_EQ(safeio::temporaryPrefix(), ".abc-");
 }

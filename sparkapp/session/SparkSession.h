@@ -32,7 +32,7 @@
 #include <utility>
 #include <vector>
 
-#include "ControlTable.h"
+#include "ControlNames.h"
 #include "FilePixels.h"
 #include "FloatEncoding.h"
 #include "RunStatus.h"
@@ -40,6 +40,9 @@
 class SparkSession {
   public:
     SparkSession(bool quiet, int processors);
+    ~SparkSession();
+    SparkSession(const SparkSession&) = delete;
+    SparkSession& operator=(const SparkSession&) = delete;
 
     RunStatus load(const std::string& pluginPath);
     // How float pictures are put into the host frames (before process).
@@ -47,7 +50,7 @@ class SparkSession {
     RunStatus start(int width, int height, int depth, float pixelAspect,
                     const std::string& setupPath);
     // Valid after start.
-    const ControlTable& controls() const { return *controls_; }
+    const ControlNames& controls() const { return *controls_; }
 
     // Runs one frame; *result points at the frame the plug-in returned, in the
     // host layout at the session's size and depth, valid until the next call.
@@ -76,7 +79,7 @@ class SparkSession {
     bool quiet_;
     FloatEncoding floatEncoding_ = FloatEncoding::Linear;
     simhost::Plugin& plugin_;
-    std::unique_ptr<ControlTable> controls_;
+    std::unique_ptr<ControlNames> controls_;
     std::string pluginPath_;
     std::string setupPath_;
     int width_ = 0;
@@ -85,4 +88,5 @@ class SparkSession {
     bool started_ = false;
     std::vector<std::pair<const Control*, float>> unkeyedValues_;  // taken at the first frame
     bool valuesTaken_ = false;
+    std::vector<std::string> messages_;  // what the plug-in said, not yet relayed
 };

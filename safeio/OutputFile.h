@@ -1,13 +1,14 @@
 // OutputFile: a file written under a temporary name in its target's folder
 // and renamed over the target only when every byte is on the disk, so that a
-// reader never sees half a file and a failure leaves nothing behind. Used for
-// set-ups here and for pictures by the command-line tool.
+// reader never sees half a file and a failure leaves nothing behind. Set-ups
+// and pictures are written through it.
 //
 // The temporary is created exclusively (O_CREAT | O_EXCL | O_NOFOLLOW, a
 // fresh random name on a clash), so a file or symlink planted in a shared
 // folder is never written through. Its name is
-//     .sparkrun-<machine>-<pid>-<random>[.<extension of the target>]
-// <machine> is 8 hex digits of a hash of the host name and <random> 8
+//     .<program>-<machine>-<pid>-<random>[.<extension of the target>]
+// <program> is the tag the program sets (setTemporaryTag; by default the
+// executable's name), <machine> 8 hex digits of a hash of the host name and <random> 8
 // letters or digits. A later run recognises this pattern and removes the
 // temporaries that a process of the same machine left when it died (see
 // removeStaleTemporaries); nothing else has a name of this form.
@@ -27,7 +28,7 @@
 #include <ctime>
 #include <string>
 
-namespace simhost {
+namespace safeio {
 
 class OutputFile {
   public:
@@ -69,8 +70,10 @@ class OutputFile {
     std::string failure_;
 };
 
-// The leading text of every temporary name.
-extern const char kTemporaryPrefix[];
+// Names this process's temporaries after program ("sparkrun" gives ".sparkrun-...").
+void setTemporaryTag(const std::string& program);
+// The leading text of every temporary name of this process: "." + tag + "-".
+std::string temporaryPrefix();
 
 // True when name (a file name without folder) has the temporary pattern.
 bool isTemporaryName(const std::string& name);
@@ -84,4 +87,4 @@ int removeStaleTemporaries(const std::string& folder, time_t before);
 // signal handler, which then ends the process.
 void removeOpenTemporaries();
 
-}  // namespace simhost
+}  // namespace safeio

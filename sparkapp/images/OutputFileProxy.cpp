@@ -7,7 +7,7 @@ namespace {
 const size_t kGatherBytes = 1 << 20;
 }
 
-OutputFileProxy::OutputFileProxy(simhost::OutputFile& file)
+OutputFileProxy::OutputFileProxy(safeio::OutputFile& file)
     : IOProxy(file.target(), Write), file_(file) {}
 
 OutputFileProxy::~OutputFileProxy() { flush(); }

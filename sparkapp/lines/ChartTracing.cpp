@@ -19,7 +19,7 @@ RunStatus traceChartFile(const std::string& imagePath, const std::string& linesP
         return RunStatus::failure(ExitCode::Input,
                                   "no grid line of the test chart found in " + imagePath);
     const std::string text = formatLinesText(lines);
-    simhost::OutputFile file;
+    safeio::OutputFile file;
     std::string error;
     if (!file.open(linesPath, &error) || !file.write(text.data(), text.size()) ||
         !file.commit(&error)) {

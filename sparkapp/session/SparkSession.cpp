@@ -1,6 +1,7 @@
 // Driving a plug-in through the simulated host.
 #include "SparkSession.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <vector>
 
@@ -32,7 +33,10 @@ SparkSession::SparkSession(bool quiet, int processors) : quiet_(quiet), plugin_(
     simhost::Host& host = simhost::Host::instance();
     host.reset();
     host.processors = processors;
+    host.messageSink = [this](const std::string& text) { messages_.push_back(text); };
 }
+
+SparkSession::~SparkSession() { simhost::Host::instance().messageSink = nullptr; }
 
 RunStatus SparkSession::load(const std::string& pluginPath) {
     pluginPath_ = pluginPath;
@@ -67,15 +71,12 @@ SparkInfoStruct SparkSession::viewerInfo(unsigned frame, unsigned totalFrames) c
 }
 
 std::string SparkSession::relayMessages() {
-    simhost::Host& host = simhost::Host::instance();
     std::string last;
-    for (const simhost::Call& call : host.calls()) {
-        if (call.name != "sparkError" && call.name != "sparkMessage") continue;
-        const std::string text = call.args.empty() ? "" : call.args.front();
+    for (const std::string& text : messages_) {
         last = text;
         if (!quiet_) std::fprintf(stderr, "plug-in: %s\n", text.c_str());
     }
-    host.clearCalls();
+    messages_.clear();
     return last;
 }
 
@@ -92,7 +93,7 @@ RunStatus SparkSession::start(int width, int height, int depth, float pixelAspec
     host.setBuffer(kInputBufferId, width, height, depth);
     host.setBuffer(kOutputBufferId, width, height, depth);
     host.setupFiles = !setupPath.empty();
-    host.clearCalls();
+    host.setupLoads = 0;
 
     unsigned levels;
     int clips;
@@ -103,23 +104,23 @@ RunStatus SparkSession::start(int width, int height, int depth, float pixelAspec
         clips = plugin_.clips();
         levels = plugin_.initialise(infoFor(1, 1, setupPath));
     }
-    const bool loadedSetup = host.count("sparkLoadSetup") > 0;
+    const bool loadedSetup = host.setupLoads > 0;
     relayMessages();
     started_ = true;
     if (levels == 0)
         return RunStatus::failure(ExitCode::Plugin,
                                   "the plug-in declined to start (SparkInitialise returned 0)");
     if (clips > static_cast<int>(kSupportedClips))
-        return RunStatus::failure(ExitCode::Plugin, "the plug-in wants " + std::to_string(clips) +
-                                                        " input clips; sparkrun feeds one");
+        return RunStatus::failure(ExitCode::Plugin,
+                                  "the plug-in wants " + std::to_string(clips) + " input clips; " +
+                                      program_invocation_short_name + " feeds one");
     if (!setupPath.empty() && !loadedSetup) {
         std::vector<char> name = writableText(setupPath);
         sparkLoadSetup(name.data());
-        host.clearCalls();
     }
     if (!setupPath.empty() && !host.setupError.empty())
         return RunStatus::failure(ExitCode::Input, host.setupError);
-    controls_ = std::make_unique<ControlTable>(plugin_.records());
+    controls_ = std::make_unique<ControlNames>(plugin_.records());
     return RunStatus::success();
 }
 
@@ -176,7 +177,7 @@ RunStatus SparkSession::finish(const std::string& savePath) {
     for (const auto& value : unkeyedValues_) controls_->setValue(*value.first, value.second);
     host.setupFiles = !savePath.empty();
     host.setupError.clear();
-    host.clearCalls();
+    host.setupSaves = 0;
     const std::string name = savePath.empty() ? setupPath_ : savePath;
     if (name.size() >= sizeof(SparkInfoStruct::Name))
         return RunStatus::failure(ExitCode::Usage, "set-up file name too long: " + name);
@@ -185,12 +186,11 @@ RunStatus SparkSession::finish(const std::string& savePath) {
         PluginConsole console(quiet_);
         plugin_.uninitialise(infoFor(1, 1, name));
     }
-    const bool savedSetup = host.count("sparkSaveSetup") > 0;
+    const bool savedSetup = host.setupSaves > 0;
     relayMessages();
     if (!savePath.empty() && !savedSetup) {
         std::vector<char> text = writableText(savePath);
         sparkSaveSetup(text.data());
-        host.clearCalls();
     }
     host.setupFiles = false;
     if (!savePath.empty() && !host.setupError.empty())

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-namespace simhost {
+namespace safeio {
 
 namespace {
 std::string trimmed(const std::string& text) {
@@ -62,4 +62,4 @@ ValueCheck checkColourText(const std::string& text, unsigned long* value) {
     return ValueCheck::Fine;
 }
 
-}  // namespace simhost
+}  // namespace safeio

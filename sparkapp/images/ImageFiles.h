@@ -13,7 +13,7 @@
 // the header before a pixel is decoded (FrameMemory.h).
 //
 // Writing goes to an exclusively created temporary in the output's folder
-// (simhost::OutputFile) through a checked stream, and is renamed into place
+// (safeio::OutputFile) through a checked stream, and is renamed into place
 // only when the writer, the sync and the close all succeeded, so a failure
 // (a full disk, a size limit) leaves neither the output nor a temporary.
 // Writers that cannot write to a stream (a few rare formats) write the

@@ -15,9 +15,7 @@
 #include <cstdio>
 #include <cstring>
 
-namespace simhost {
-
-const char kTemporaryPrefix[] = ".sparkrun-";
+namespace safeio {
 
 namespace {
 const int kMachineDigits = 8;  // hex digits of the host-name hash
@@ -26,7 +24,8 @@ const int kMaxPidDigits = 10;
 const long kMaxPid = 2147483647L;  // pid_t is an int
 const size_t kMaxExtension = 16;   // a longer "extension" is left out of the name
 const int kCreateAttempts = 100;
-const int kSlots = 16;  // temporaries open at once; the tool has one or two
+const int kSlots = 16;  // temporaries open at once; a program has one or two
+const size_t kMaxTagBytes = 32;
 const size_t kSlotBytes = 4096;
 const unsigned kFnvOffset = 2166136261u;
 const unsigned kFnvPrime = 16777619u;
@@ -55,6 +54,20 @@ class SignalHold {
   private:
     sigset_t saved_;
 };
+
+// The process's tag: set by its program, else the executable's own name,
+// reduced to letters, digits, '-' and '_' so that the pattern stays parseable.
+std::string& tagText() {
+    static std::string tag;
+    return tag;
+}
+
+std::string cleanTag(const char* name) {
+    std::string tag;
+    for (const char* p = name; p && *p && tag.size() < kMaxTagBytes; ++p)
+        if (std::isalnum(static_cast<unsigned char>(*p)) || *p == '-' || *p == '_') tag += *p;
+    return tag.empty() ? "partial" : tag;
+}
 
 int registerSlot(const std::string& path) {
     for (int i = 0; i < kSlots; ++i) {
@@ -127,9 +140,9 @@ int isLowerHex(int c) { return std::isdigit(c) || (c >= 'a' && c <= 'f'); }
 
 // Splits a temporary's name into its machine tag and process id.
 bool parseTemporaryName(const std::string& name, std::string* machine, long* pid) {
-    const size_t prefix = sizeof kTemporaryPrefix - 1;
-    if (name.compare(0, prefix, kTemporaryPrefix) != 0) return false;
-    size_t at = prefix;
+    const std::string prefix = temporaryPrefix();
+    if (name.compare(0, prefix.size(), prefix) != 0) return false;
+    size_t at = prefix.size();
     if (!allOf(name, at, kMachineDigits, isLowerHex)) return false;
     const std::string tag = name.substr(at, kMachineDigits);
     at += kMachineDigits;
@@ -152,6 +165,13 @@ bool parseTemporaryName(const std::string& name, std::string* machine, long* pid
 }
 }  // namespace
 
+void setTemporaryTag(const std::string& program) { tagText() = cleanTag(program.c_str()); }
+
+std::string temporaryPrefix() {
+    if (tagText().empty()) tagText() = cleanTag(program_invocation_short_name);
+    return "." + tagText() + "-";
+}
+
 OutputFile::~OutputFile() { discard(); }
 
 bool OutputFile::open(const std::string& target, std::string* error) {
@@ -161,7 +181,7 @@ bool OutputFile::open(const std::string& target, std::string* error) {
     end_ = 0;
     const std::string folder = folderOf(target);
     const std::string stem =
-        folder + "/" + kTemporaryPrefix + machineTag() + "-" + std::to_string(getpid()) + "-";
+        folder + "/" + temporaryPrefix() + machineTag() + "-" + std::to_string(getpid()) + "-";
     for (int attempt = 0; attempt < kCreateAttempts; ++attempt) {
         const std::string name = stem + randomLetters() + extensionOf(target);
         if (name.size() >= kSlotBytes) {
@@ -312,4 +332,4 @@ void removeOpenTemporaries() {
         if (slotUsed[i]) unlink(slotPaths[i]);
 }
 
-}  // namespace simhost
+}  // namespace safeio

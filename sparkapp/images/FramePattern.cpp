@@ -1,6 +1,7 @@
 // Frame-sequence file names.
 #include "FramePattern.h"
 
+#include <OutputFile.h>
 #include <dirent.h>
 
 #include <algorithm>
@@ -9,8 +10,6 @@
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
-
-#include "OutputFile.h"
 
 namespace {
 const int kMaxPadding = 10;  // an unsigned frame number has at most 10 digits
@@ -98,7 +97,7 @@ std::vector<unsigned> FramePattern::existingFrames() const {
     while (const dirent* entry = readdir(dir)) {
         const std::string name = entry->d_name;
         // A half-written frame of this or another run is not a frame.
-        if (simhost::isTemporaryName(name)) continue;
+        if (safeio::isTemporaryName(name)) continue;
         if (name.size() <= head.size() + suffix_.size()) continue;
         if (name.compare(0, head.size(), head) != 0) continue;
         if (name.compare(name.size() - suffix_.size(), suffix_.size(), suffix_) != 0) continue;
