@@ -1,9 +1,10 @@
-// Fuzz target: sparkrun's command line, and what it carries: control values
-// (--set, --key) checked against the real plug-in's records, frame ranges,
-// file-name patterns and sizes. The input is split at NUL bytes into the
-// arguments after the program name.
+// Fuzz target: sparkrun's command line, its option rules, and what it
+// carries: control values (--set, --key) checked against the real plug-in's
+// records, frame ranges, file-name patterns and sizes. The input is split at
+// NUL bytes into the arguments after the program name.
 //
-// Beyond not crashing: a refused command line is a usage error; a frame
+// Beyond not crashing: a refused command line or option set is a usage
+// error; a frame
 // range is a run of consecutive frames of at most a million; a value that
 // --set or --key takes leaves its record finite and inside its range, a
 // menu on one of its entries, a check box 0 or 1.
@@ -17,9 +18,10 @@
 #include <string>
 #include <vector>
 
+#include "CommandLine.h"
 #include "ControlNames.h"
 #include "FramePattern.h"
-#include "RunOptions.h"
+#include "OptionRules.h"
 
 namespace {
 const size_t kMaxArguments = 64;
@@ -123,6 +125,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             fail("a refused command line is not a usage error", status.message);
         return 0;
     }
+    const RunStatus valid = validate(options);
+    if (!valid.ok() && valid.code != ExitCode::Usage)
+        fail("a refused option set is not a usage error", valid.message);
     for (const std::string& file : options.files) {
         FramePattern pattern;
         std::string error;

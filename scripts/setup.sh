@@ -10,9 +10,10 @@ set -euo pipefail
 
 # The base toolchain (a fresh machine has these) and what the project adds:
 # pkg-config finds OpenImageIO for the command-line tool; OSMesa gives the
-# simulated host's viewer a real OpenGL context.
+# simulated host's viewer a real OpenGL context; CLI11 parses the programs'
+# command lines and nlohmann-json reads lines files.
 packages=(g++ cmake make pkg-config clang-format libgtest-dev libbenchmark-dev libopenimageio-dev
-  libosmesa6-dev)
+  libosmesa6-dev libcli11-dev nlohmann-json3-dev)
 # shellcheck disable=SC2206
 packages+=(${STRAIGHTLUX_SETUP_EXTRA:-})
 

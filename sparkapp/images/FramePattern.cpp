@@ -2,6 +2,7 @@
 #include "FramePattern.h"
 
 #include <OutputFile.h>
+#include <OutputPaths.h>
 #include <dirent.h>
 
 #include <algorithm>
@@ -96,21 +97,40 @@ std::vector<unsigned> FramePattern::existingFrames() const {
     if (!dir) return frames;
     while (const dirent* entry = readdir(dir)) {
         const std::string name = entry->d_name;
-        // A half-written frame of this or another run is not a frame.
-        if (safeio::isTemporaryName(name)) continue;
-        if (name.size() <= head.size() + suffix_.size()) continue;
-        if (name.compare(0, head.size(), head) != 0) continue;
-        if (name.compare(name.size() - suffix_.size(), suffix_.size(), suffix_) != 0) continue;
-        const std::string digits =
-            name.substr(head.size(), name.size() - head.size() - suffix_.size());
         unsigned frame = 0;
-        // The name must be exactly what fileFor would make for that frame.
-        if (parseFrame(digits, &frame) && fileFor(frame) == prefix_ + digits + suffix_)
-            frames.push_back(frame);
+        // A half-written frame of this or another run is not a frame.
+        if (!safeio::isTemporaryName(name) && frameOfName(name, &frame)) frames.push_back(frame);
     }
     closedir(dir);
     std::sort(frames.begin(), frames.end());
     return frames;
+}
+
+// The frame whose file name (without folder) is name: exactly what fileFor
+// would make for it.
+bool FramePattern::frameOfName(const std::string& name, unsigned* frame) const {
+    const size_t slash = prefix_.rfind('/');
+    const std::string head = slash == std::string::npos ? prefix_ : prefix_.substr(slash + 1);
+    if (name.size() <= head.size() + suffix_.size()) return false;
+    if (name.compare(0, head.size(), head) != 0) return false;
+    if (name.compare(name.size() - suffix_.size(), suffix_.size(), suffix_) != 0) return false;
+    const std::string digits = name.substr(head.size(), name.size() - head.size() - suffix_.size());
+    return parseFrame(digits, frame) && fileFor(*frame) == prefix_ + digits + suffix_;
+}
+
+bool FramePattern::holds(const std::string& path, unsigned* frame) const {
+    const std::string given = resolvedPath(path);
+    unsigned found = 0;
+    if (!marked_) {
+        if (given != resolvedPath(prefix_)) return false;
+    } else {
+        // The folder resolved as a file's in it is, so that "." and "dir/" compare alike.
+        const std::string sample = resolvedPath(fileFor(0));
+        if (folderOf(given) != folderOf(sample) || !frameOfName(baseOf(given), &found))
+            return false;
+    }
+    if (frame) *frame = found;
+    return true;
 }
 
 bool parseFrameRange(const std::string& text, std::vector<unsigned>* frames, std::string* error) {

@@ -21,8 +21,13 @@ class FramePattern {
     std::string fileFor(unsigned frame) const;
     // Frame numbers of the files in the folder that match, ascending.
     std::vector<unsigned> existingFrames() const;
+    // Whether path names a file of this pattern (the same file for a single
+    // name; folders compared as the system resolves them), and which frame.
+    bool holds(const std::string& path, unsigned* frame = nullptr) const;
 
   private:
+    bool frameOfName(const std::string& name, unsigned* frame) const;
+
     std::string prefix_;  // folder and name before the mark, or the whole name
     std::string suffix_;
     int padding_ = 0;

@@ -18,6 +18,7 @@
 #include "FileHeaders.h"
 #include "FrameMemory.h"
 #include "OutputFileProxy.h"
+#include "OutputPaths.h"
 #include "ReaderProcess.h"
 
 namespace {
@@ -33,18 +34,6 @@ const std::set<std::string>& eightBitFormats() {
 const std::set<std::string>& floatFormats() {
     static const std::set<std::string> formats = {"openexr", "hdr", "fits"};
     return formats;
-}
-
-std::string folderOf(const std::string& path) {
-    const size_t slash = path.rfind('/');
-    if (slash == std::string::npos) return ".";
-    if (slash == 0) return "/";
-    return path.substr(0, slash);
-}
-
-std::string baseOf(const std::string& path) {
-    const size_t slash = path.rfind('/');
-    return slash == std::string::npos ? path : path.substr(slash + 1);
 }
 
 std::string trimmedError(std::string text) {
@@ -223,29 +212,6 @@ RunStatus readImage(const std::string& path, int requestedDepth, FilePixels* pic
     request.requestedDepth = requestedDepth;
     request.memoryLimit = memoryAvailable();
     return readImage(path, request, picture, depth);
-}
-
-RunStatus checkOutputFolder(const std::string& path) {
-    if (path.empty() || path.back() == '/')
-        return outputFailure("output is not a file name: " + path);
-    if (path.size() >= PATH_MAX)
-        return outputFailure("output path is longer than the system allows (" +
-                             std::to_string(PATH_MAX - 1) + " bytes): " + path);
-    const std::string folder = folderOf(path);
-    struct stat status;
-    if (stat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode))
-        return outputFailure(errno == ENAMETOOLONG ? "output folder name too long: " + folder
-                                                   : "output folder does not exist: " + folder);
-    if (access(folder.c_str(), W_OK | X_OK) != 0)
-        return outputFailure("output folder is not writable: " + folder);
-    const long nameMax = pathconf(folder.c_str(), _PC_NAME_MAX);
-    const std::string base = baseOf(path);
-    if (nameMax > 0 && base.size() > static_cast<size_t>(nameMax))
-        return outputFailure("output file name is longer than its folder allows (" +
-                             std::to_string(nameMax) + " bytes): " + base);
-    if (stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
-        return outputFailure("output is a folder: " + path);
-    return RunStatus::success();
 }
 
 RunStatus checkOutputPath(const std::string& path) {

@@ -59,12 +59,6 @@ RunStatus decodeImage(const std::string& path, const ReadRequest& request, FileP
 // that pictures come out the same whatever the machine.
 void configureImageLibrary();
 
-// Checks before any work that a file can be made at path: its folder exists
-// and is writable, path is not a folder, and its name fits the folder's
-// file system (a name component of at most NAME_MAX bytes, the whole path
-// below PATH_MAX).
-RunStatus checkOutputFolder(const std::string& path);
-
 // Checks before any work that path can be written: its folder exists and is
 // writable and OpenImageIO has a writer for its extension.
 RunStatus checkOutputPath(const std::string& path);

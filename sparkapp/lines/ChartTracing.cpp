@@ -5,6 +5,7 @@
 
 #include "ChartTracer.h"
 #include "ImageFiles.h"
+#include "OutputPaths.h"
 
 RunStatus traceChartFile(const std::string& imagePath, const std::string& linesPath,
                          LinesFile* traced) {

@@ -1,69 +1,41 @@
+// Lines files: read with nlohmann-json's event (SAX) parser, which reports
+// each value as it comes, so that the shape is checked as the text is read
+// and every fault names the line and column of the value that broke it.
 #include "LinesFile.h"
 
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
+#include <cstring>
 #include <fstream>
-#include <sstream>
+#include <nlohmann/json.hpp>
 
 namespace {
 
 constexpr std::size_t kMaxFileBytes = 16u << 20;
-constexpr int kMaxDepth = 8;  // {"lines": [ [ [x, y] ] ]} needs 4
+constexpr std::size_t kMaxQuotedBytes = 40;  // a longer number is cut in a message
 
-// A recursive-descent reader of the one shape a lines file has. It tracks the
-// line and column of every fault.
-class Reader {
+using Json = nlohmann::json;
+
+// Where the values lie in the text: the parser reports values, not places,
+// so each value's start is found from where the previous one ended.
+class TextPlaces {
   public:
-    explicit Reader(const std::string& text) : text_(text) {}
+    explicit TextPlaces(const std::string& text) : text_(text) {}
 
-    bool read(LinesFile& out, std::string& error) {
-        skipBlanks();
-        if (!expect('{', "the file must start with '{'")) return fail(error);
-        skipBlanks();
-        bool sawLines = false;
-        if (peek() != '}') {
-            for (;;) {
-                std::string key;
-                if (!readString(key)) return fail(error);
-                skipBlanks();
-                if (!expect(':', "expected ':' after the member name")) return fail(error);
-                if (key != "lines") return fault("unknown member \"" + key + "\""), fail(error);
-                if (sawLines) return fault("\"lines\" given twice"), fail(error);
-                sawLines = true;
-                skipBlanks();
-                if (!readLines(out)) return fail(error);
-                skipBlanks();
-                if (peek() == ',') {
-                    ++at_;
-                    skipBlanks();
-                    continue;
-                }
-                break;
-            }
-        }
-        if (!expect('}', "expected ',' or '}'")) return fail(error);
-        skipBlanks();
-        if (at_ != text_.size()) return fault("unexpected text after the closing '}'"), fail(error);
-        if (!sawLines) return fault("no \"lines\" member"), fail(error);
-        return true;
+    // The start of the next value (past blanks, ',' and ':'), and its end.
+    std::size_t next() {
+        std::size_t at = end_;
+        while (at < text_.size() && std::strchr(" \t\r\n,:", text_[at]) && text_[at] != '\0') ++at;
+        start_ = at;
+        end_ = at < text_.size() ? valueEnd(at) : at;
+        return start_;
     }
+    std::size_t start() const { return start_; }
 
-  private:
-    char peek() const { return at_ < text_.size() ? text_[at_] : '\0'; }
-
-    void skipBlanks() {
-        while (at_ < text_.size() && (text_[at_] == ' ' || text_[at_] == '\t' ||
-                                      text_[at_] == '\n' || text_[at_] == '\r'))
-            ++at_;
-    }
-
-    // Records the fault at the current position; the first fault wins.
-    void fault(const std::string& what) {
-        if (!message_.empty()) return;
+    // "line L, column C" of a place (both from 1).
+    std::string where(std::size_t place) const {
         int line = 1, column = 1;
-        for (std::size_t i = 0; i < at_ && i < text_.size(); ++i) {
+        for (std::size_t i = 0; i < place && i < text_.size(); ++i) {
             if (text_[i] == '\n') {
                 ++line;
                 column = 1;
@@ -71,152 +43,199 @@ class Reader {
                 ++column;
             }
         }
-        message_ =
-            "line " + std::to_string(line) + ", column " + std::to_string(column) + ": " + what;
+        return "line " + std::to_string(line) + ", column " + std::to_string(column);
     }
 
-    bool fail(std::string& error) {
-        if (message_.empty()) fault("not a lines file");
-        error = message_;
-        return false;
-    }
-
-    bool expect(char c, const char* what) {
-        if (peek() != c) {
-            fault(peek() == '\0' ? std::string(what) + " (the text ends here)" : what);
-            return false;
+  private:
+    // One past the value or bracket starting at `at`.
+    std::size_t valueEnd(std::size_t at) const {
+        const char first = text_[at];
+        if (std::strchr("[]{}", first)) return at + 1;
+        std::size_t end = at + 1;
+        if (first == '"') {
+            while (end < text_.size() && text_[end] != '"') end += text_[end] == '\\' ? 2 : 1;
+            return std::min(end + 1, text_.size());
         }
-        ++at_;
-        return true;
-    }
-
-    // A JSON string of plain characters (escapes are allowed and kept as written).
-    bool readString(std::string& out) {
-        if (!expect('"', "expected a member name in double quotes")) return false;
-        while (at_ < text_.size() && text_[at_] != '"') {
-            if (text_[at_] == '\\' && at_ + 1 < text_.size()) ++at_;
-            if (static_cast<unsigned char>(text_[at_]) < 0x20) {
-                fault("control character inside a string");
-                return false;
-            }
-            out += text_[at_++];
-        }
-        return expect('"', "unterminated string");
-    }
-
-    // A JSON number, finite.
-    bool readNumber(double& out) {
-        const std::size_t start = at_;
-        if (peek() == '-') ++at_;
-        auto digits = [&] {
-            const std::size_t from = at_;
-            while (at_ < text_.size() && text_[at_] >= '0' && text_[at_] <= '9') ++at_;
-            return at_ > from;
-        };
-        bool ok = digits();
-        if (ok && peek() == '.') {
-            ++at_;
-            ok = digits();
-        }
-        if (ok && (peek() == 'e' || peek() == 'E')) {
-            ++at_;
-            if (peek() == '+' || peek() == '-') ++at_;
-            ok = digits();
-        }
-        if (!ok) {
-            at_ = start;
-            fault("expected a number");
-            return false;
-        }
-        const std::string number = text_.substr(start, at_ - start);
-        errno = 0;
-        out = std::strtod(number.c_str(), nullptr);
-        if (errno == ERANGE || !std::isfinite(out)) {
-            at_ = start;
-            fault("number out of range: " + number);
-            return false;
-        }
-        return true;
-    }
-
-    // [x, y]
-    bool readPoint(LinePoint& point) {
-        if (!expect('[', "expected a point [x, y]")) return false;
-        skipBlanks();
-        if (!readNumber(point.x)) return false;
-        skipBlanks();
-        if (!expect(',', "expected ',' between x and y")) return false;
-        skipBlanks();
-        if (!readNumber(point.y)) return false;
-        skipBlanks();
-        return expect(']', "a point has exactly two numbers: expected ']'");
-    }
-
-    // A list of points, or of lists for the whole "lines" member.
-    template <class Item, class ReadItem>
-    bool readList(std::vector<Item>& items, ReadItem readItem, const char* what) {
-        if (++depth_ > kMaxDepth) {
-            fault("nested too deeply");
-            return false;
-        }
-        if (!expect('[', what)) return false;
-        skipBlanks();
-        if (peek() == ']') {
-            ++at_;
-            --depth_;
-            return true;
-        }
-        for (;;) {
-            Item item;
-            if (!readItem(item)) return false;
-            items.push_back(item);
-            skipBlanks();
-            if (peek() == ',') {
-                ++at_;
-                skipBlanks();
-                continue;
-            }
-            if (!expect(']', "expected ',' or ']'")) return false;
-            --depth_;
-            return true;
-        }
-    }
-
-    bool readLines(LinesFile& out) {
-        return readList(
-            out.lines,
-            [this](std::vector<LinePoint>& line) {
-                const std::size_t start = at_;
-                if (!readList(
-                        line, [this](LinePoint& p) { return readPoint(p); },
-                        "expected a line: a list of points [[x, y], ...]")) {
-                    return false;
-                }
-                if (line.size() < 2) {
-                    at_ = start;
-                    fault(line.empty() ? "a line needs at least two points; this one is empty"
-                                       : "a line needs at least two points; this one has one");
-                    return false;
-                }
-                return true;
-            },
-            "\"lines\" must be a list of lines");
+        while (end < text_.size() && !std::strchr(" \t\r\n,:[]{}\"", text_[end])) ++end;
+        return end;
     }
 
     const std::string& text_;
-    std::size_t at_ = 0;
-    int depth_ = 0;
-    std::string message_;
+    std::size_t start_ = 0;
+    std::size_t end_ = 0;
 };
+
+// Checks the one shape a lines file has while the parser reads it:
+// {"lines": [ line, ... ]}, a line [point, point, ...], a point [x, y].
+// Depth: 1 inside the object, 2 in "lines", 3 in a line, 4 in a point.
+class LinesReader : public nlohmann::json_sax<Json> {
+  public:
+    explicit LinesReader(const std::string& text) : places_(text) {}
+
+    bool null() override { return misplaced(); }
+    bool boolean(bool) override { return misplaced(); }
+    bool number_integer(number_integer_t value) override {
+        return number(static_cast<double>(value), "");
+    }
+    bool number_unsigned(number_unsigned_t value) override {
+        return number(static_cast<double>(value), "");
+    }
+    bool number_float(number_float_t value, const string_t& text) override {
+        return number(value, text);
+    }
+    bool string(string_t&) override { return misplaced(); }
+    bool binary(binary_t&) override { return misplaced(); }
+    bool start_object(std::size_t) override;
+    bool key(string_t& name) override;
+    bool end_object() override;
+    bool start_array(std::size_t) override;
+    bool end_array() override;
+    bool parse_error(std::size_t, const std::string&,
+                     const nlohmann::detail::exception& e) override;
+
+    LinesFile lines;
+    std::string fault;
+
+  private:
+    bool number(double value, const std::string& text);
+    // A value of a kind that does not belong where it stands.
+    bool misplaced() {
+        places_.next();
+        return misplacedHere();
+    }
+    bool misplacedHere() {
+        return fail(inLines_ ? "\"lines\" must be a list of lines" : "expected " + wanted());
+    }
+    bool fail(const std::string& what) {
+        if (fault.empty()) fault = places_.where(places_.start()) + ": " + what;
+        return false;
+    }
+    // What the place being read must hold.
+    std::string wanted() const {
+        switch (depth_) {
+            case 0:
+                return "'{': a lines file is {\"lines\": [...]}";
+            case 2:
+                return "a line: a list of points [[x, y], ...]";
+            case 3:
+                return "a point [x, y]";
+            case 4:
+                return "a number";
+            default:
+                return "a member name";
+        }
+    }
+
+    TextPlaces places_;
+    int depth_ = 0;
+    bool inLines_ = false;  // the value of "lines" comes next
+    bool sawLines_ = false;
+    std::size_t lineStart_ = 0;
+    std::size_t coordinates_ = 0;  // of the point being read
+};
+
+bool LinesReader::start_object(std::size_t) {
+    places_.next();
+    if (depth_ != 0) return misplacedHere();
+    ++depth_;
+    return true;
+}
+
+bool LinesReader::key(string_t& name) {
+    places_.next();
+    if (name != "lines") return fail("unknown member \"" + name + "\"");
+    if (sawLines_) return fail("\"lines\" given twice");
+    sawLines_ = inLines_ = true;
+    return true;
+}
+
+bool LinesReader::end_object() {
+    places_.next();
+    if (!sawLines_) return fail("no \"lines\" member");
+    --depth_;
+    return true;
+}
+
+bool LinesReader::start_array(std::size_t) {
+    const std::size_t at = places_.next();
+    if (depth_ == 1 && !inLines_) return fail("expected " + wanted());
+    if (depth_ == 0 || depth_ >= 4) return fail("expected " + wanted());
+    inLines_ = false;
+    if (depth_ == 2) {
+        lines.lines.emplace_back();
+        lineStart_ = at;
+    }
+    if (depth_ == 3) {
+        lines.lines.back().emplace_back();
+        coordinates_ = 0;
+    }
+    ++depth_;
+    return true;
+}
+
+bool LinesReader::end_array() {
+    places_.next();
+    --depth_;
+    if (depth_ == 3 && coordinates_ < 2)
+        return fail("a point has two numbers, x and y; this one has " +
+                    std::to_string(coordinates_));
+    if (depth_ == 2 && lines.lines.back().size() < 2) {
+        const bool empty = lines.lines.back().empty();
+        fault = places_.where(lineStart_) + ": a line needs at least two points; this one " +
+                (empty ? "is empty" : "has one");
+        return false;
+    }
+    return true;
+}
+
+bool LinesReader::number(double value, const std::string& text) {
+    places_.next();
+    if (depth_ != 4) return misplacedHere();
+    if (coordinates_ == 2) return fail("a point has exactly two numbers: expected ']'");
+    if (!std::isfinite(value)) {
+        const std::string shown =
+            text.size() > kMaxQuotedBytes ? text.substr(0, kMaxQuotedBytes) + "..." : text;
+        return fail("number out of range: " + shown);
+    }
+    LinePoint& point = lines.lines.back().back();
+    (coordinates_++ == 0 ? point.x : point.y) = value;
+    return true;
+}
+
+// The parser's own report of text that is not JSON: its line and column and
+// what it expected (without the text it quotes, which may be long); or a
+// number too large for a double, at the number.
+bool LinesReader::parse_error(std::size_t, const std::string& token,
+                              const nlohmann::detail::exception& e) {
+    if (!fault.empty()) return false;
+    std::string what = e.what();
+    const std::size_t at = what.find("line ");
+    if (at == std::string::npos) {
+        places_.next();
+        const std::string shown =
+            token.size() > kMaxQuotedBytes ? token.substr(0, kMaxQuotedBytes) + "..." : token;
+        return fail("number out of range: " + shown);
+    }
+    what = what.substr(at);
+    const std::size_t quote = what.find("; last read: '");
+    if (quote != std::string::npos) {
+        const std::size_t quoteEnd = what.find("'; ", quote + 14);
+        what.erase(quote, quoteEnd == std::string::npos ? std::string::npos : quoteEnd + 1 - quote);
+    }
+    fault = what;
+    return false;
+}
 
 }  // namespace
 
 bool parseLinesText(const std::string& text, LinesFile& out, std::string& error) {
     out.lines.clear();
-    LinesFile read;
-    Reader reader(text);
-    if (!reader.read(read, error)) return false;
-    out = std::move(read);
+    LinesReader reader(text);
+    if (!Json::sax_parse(text, &reader) || !reader.fault.empty()) {
+        error = reader.fault.empty() ? "line 1, column 1: not a lines file" : reader.fault;
+        return false;
+    }
+    out = std::move(reader.lines);
     return true;
 }
 

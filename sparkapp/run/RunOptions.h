@@ -1,8 +1,9 @@
-// RunOptions: the command line of sparkrun, parsed into one record.
+// RunOptions: what a user asked of a program on the simulated host, as one
+// record. CommandLine.h fills it from a command line and OptionRules.h
+// holds every rule on which options go together.
 //
-// Options take their value as the next argument or after '=' (--depth 12,
-// --depth=12). Repeated --set and --key options apply in order. Positional
-// arguments are the input and output (or the files of a utility mode).
+// Frame numbers are the host's (unsigned, usually from 1); sizes in pixels;
+// memory in bytes.
 #pragma once
 
 #include <cstdint>
@@ -10,18 +11,18 @@
 #include <vector>
 
 #include "FloatEncoding.h"
-#include "RunStatus.h"
 
 enum class RunMode { Process, ListControls, MakeChart, SideBySide, Compare, TraceChart, Help };
 
 struct RunOptions {
     RunMode mode = RunMode::Process;
-    std::vector<std::string> files;  // positional arguments
-    std::string pluginPath;          // empty: straightlux.spark next to the tool
-    int depth = 0;                   // host depth 24 or 48; 0 follows the input
-    std::string frames;              // "A-B" or "A"; empty: all frames found, or 1
-    std::vector<std::string> sets;   // "Name=Value"
-    std::vector<std::string> keys;   // "Name@Frame=Value"
+    std::vector<std::string> modeOptions;  // every mode option given, in order
+    std::vector<std::string> files;        // positional arguments
+    std::string pluginPath;                // empty: straightlux.spark next to the program
+    int depth = 0;                         // host depth 24 or 48; 0 follows the input
+    std::string frames;                    // "A-B" or "A"; empty: all frames found, or 1
+    std::vector<std::string> sets;         // "Name=Value"
+    std::vector<std::string> keys;         // "Name@Frame=Value"
     std::string setupPath;
     std::string saveSetupPath;
     std::string linesPath;    // --lines: drawn in the viewer on the first frame
@@ -35,8 +36,7 @@ struct RunOptions {
     int chartWidth = 0;  // 0: the default chart size
     int chartHeight = 0;
     double marginPercent = 10.0;
+
+    // --lines, --autofind or --overlay: work in the plug-in's viewer.
+    bool viewerWork() const { return !linesPath.empty() || autoFind || !overlayPath.empty(); }
 };
-
-RunStatus parseCommandLine(int argc, char** argv, RunOptions* options);
-
-const char* usageText();

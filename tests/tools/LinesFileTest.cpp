@@ -1,4 +1,4 @@
-// The lines file of sparkrun: what it accepts, and the position it names for
+// The lines file: what it accepts, and the position it names for
 // each kind of fault.
 #include <gtest/gtest.h>
 
@@ -32,13 +32,24 @@ TEST(LinesFile, ReadsLinesOfPointsInFileOrder) {
 }
 
 TEST(LinesFile, FaultsNameTheirLineAndColumn) {
-    EXPECT_EQ(faultOf(""), "line 1, column 1: the file must start with '{' (the text ends here)");
+    // Text that is not JSON: the parser's own account, at the place it stopped.
+    EXPECT_EQ(faultOf(""),
+              "line 1, column 1: syntax error while parsing value - unexpected end of input; "
+              "expected '[', '{', or a literal");
     EXPECT_EQ(faultOf("{\"lines\": [[[1, 2], [3, 4]]"),
-              "line 1, column 28: expected ',' or ']' (the text ends here)");
+              "line 1, column 28: syntax error while parsing array - unexpected end of input; "
+              "expected ']'");
     EXPECT_EQ(faultOf("{\"lines\": [[[1, 2], [3, 4]]]}\nx"),
-              "line 2, column 1: unexpected text after the closing '}'");
+              "line 2, column 1: syntax error while parsing value - invalid literal; expected end "
+              "of input");
+    EXPECT_EQ(faultOf("{\"lines\": [NaN]}"),
+              "line 1, column 12: syntax error while parsing value - invalid literal");
+    // JSON of the wrong shape: at the value that breaks it (the third number;
+    // the opening bracket of a short line; the string; the member's name).
     EXPECT_EQ(faultOf("{\"lines\":\n  [[[1, 2, 3], [3, 4]]]}"),
-              "line 2, column 10: a point has exactly two numbers: expected ']'");
+              "line 2, column 12: a point has exactly two numbers: expected ']'");
+    EXPECT_EQ(faultOf("{\"lines\": [[[1], [3, 4]]]}"),
+              "line 1, column 15: a point has two numbers, x and y; this one has 1");
     EXPECT_EQ(faultOf("{\"lines\": [[[1, 2]]]}"),
               "line 1, column 12: a line needs at least two points; this one has one");
     EXPECT_EQ(faultOf("{\"lines\": [[]]}"),
@@ -47,11 +58,28 @@ TEST(LinesFile, FaultsNameTheirLineAndColumn) {
               "line 1, column 17: expected a number");
     EXPECT_EQ(faultOf("{\"lines\": [[[1, 1e999], [3, 4]]]}"),
               "line 1, column 17: number out of range: 1e999");
-    EXPECT_EQ(faultOf("{\"points\": []}"), "line 1, column 11: unknown member \"points\"");
-    EXPECT_EQ(faultOf("{}"), "line 1, column 3: no \"lines\" member");
+    EXPECT_EQ(faultOf("{\"points\": []}"), "line 1, column 2: unknown member \"points\"");
+    EXPECT_EQ(faultOf("{\"lines\": [], \"lines\": []}"),
+              "line 1, column 15: \"lines\" given twice");
+    EXPECT_EQ(faultOf("{}"), "line 1, column 2: no \"lines\" member");
     EXPECT_EQ(faultOf("{\"lines\": {}}"), "line 1, column 11: \"lines\" must be a list of lines");
-    EXPECT_EQ(faultOf("{\"lines\": [NaN]}"),
+    EXPECT_EQ(faultOf("{\"lines\": [7]}"),
               "line 1, column 12: expected a line: a list of points [[x, y], ...]");
+    EXPECT_EQ(faultOf("[]"), "line 1, column 1: expected '{': a lines file is {\"lines\": [...]}");
+}
+
+TEST(LinesFile, ReadsWhatJsonAllows) {
+    // A byte-order mark and escapes in a member name are JSON too.
+    LinesFile lines;
+    std::string error;
+    EXPECT_TRUE(parseLinesText("\xEF\xBB\xBF{\"l\\u0069nes\": [[[1, 2], [3, 4]]]}", lines, error))
+        << error;
+    EXPECT_EQ(lines.lines.size(), 1u);
+    // A huge number is quoted only in part.
+    const std::string huge(100000, '9');
+    const std::string fault = faultOf("{\"lines\": [[[1, " + huge + "e999], [3, 4]]]}");
+    EXPECT_LT(fault.size(), 120u) << fault;
+    EXPECT_EQ(fault.rfind("line 1, column 17: number out of range: 9999", 0), 0u) << fault;
 }
 
 TEST(LinesFile, PointsMustLieOnTheFrame) {

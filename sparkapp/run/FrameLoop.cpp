@@ -1,0 +1,157 @@
+// The frame loop.
+#include "FrameLoop.h"
+
+#include <cerrno>
+#include <cstdio>
+
+#include "ControlAssignments.h"
+#include "FrameMemory.h"
+#include "FramePlan.h"
+#include "ImageFiles.h"
+#include "ProgressBar.h"
+#include "ReaderProcess.h"
+#include "SparkSession.h"
+#include "ViewerActions.h"
+
+namespace {
+// A run's first picture and how the frames after it are read.
+struct FirstFrame {
+    FilePixels picture;
+    int depth = 0;
+    ReadRequest next;  // the same size and depth as the first
+};
+
+// Tells how many pixels of a float frame the host frame cannot hold.
+void reportClipped(const ClipCount& clipped, FloatEncoding encoding, const std::string& file) {
+    if (!clipped.pixels) return;
+    const bool linear = encoding == FloatEncoding::Linear;
+    std::fprintf(stderr,
+                 "%s: warning: %s: %zu pixel(s) had values outside 0 .. %g%s and were "
+                 "clipped (largest %g, smallest %g)%s\n",
+                 program_invocation_short_name, file.c_str(), clipped.pixels,
+                 static_cast<double>(encodingTop(encoding)),
+                 clipped.notNumbers ? " or not numbers" : "", static_cast<double>(clipped.largest),
+                 static_cast<double>(clipped.smallest),
+                 linear ? "; --float-encoding log carries 0 .. 64 through" : "");
+}
+
+// The first frame is weighed against the memory before it is decoded; the
+// others must match its size, which is checked before they are.
+RunStatus readFirstFrame(const RunOptions& options, const FramePlan& plan, FirstFrame* first) {
+    ReadRequest request;
+    request.requestedDepth = options.depth;
+    request.memoryLimit = options.maxMemory ? options.maxMemory : memoryAvailable();
+    request.limitIsOption = options.maxMemory != 0;
+    request.forProcessing = true;
+    const std::string name = plan.input.fileFor(plan.frames.front());
+    RunStatus status = readImage(name, request, &first->picture, &first->depth);
+    if (!status.ok()) return status;
+    if (options.floatEncoding == FloatEncoding::Log && !first->picture.isFloat)
+        return RunStatus::failure(
+            ExitCode::Usage,
+            "--float-encoding log is for floating-point inputs; " + name + " holds whole numbers");
+    std::string error;
+    if (!options.linesPath.empty() &&
+        !checkLinesInFrame(plan.lines, first->picture.width, first->picture.height, error))
+        return RunStatus::failure(ExitCode::Usage, options.linesPath + ": " + error);
+    first->next.requestedDepth = first->depth;
+    first->next.expectWidth = first->picture.width;
+    first->next.expectHeight = first->picture.height;
+    return RunStatus::success();
+}
+
+// The viewer's work on the first frame, before any frame is written: show
+// it, draw the lines, AutoFind, write the overlay picture.
+RunStatus runViewer(const RunOptions& options, SparkSession& session, const FramePlan& plan,
+                    const FilePixels& picture) {
+    ViewerActions actions(session, plan.frames.front(), static_cast<unsigned>(plan.frames.size()));
+    const bool drawLines = !options.linesPath.empty();
+    RunStatus status = actions.check(drawLines, options.autoFind, !options.overlayPath.empty());
+    if (status.ok()) status = actions.show(picture);
+    if (status.ok() && drawLines) status = actions.drawLines(plan.lines);
+    if (status.ok() && options.autoFind) {
+        std::string fitted;
+        status = actions.autoFind(&fitted);
+        if (status.ok()) std::printf("autofind: %s\n", fitted.c_str());
+    }
+    if (status.ok() && !options.overlayPath.empty()) {
+        status = actions.writeOverlay(picture, options.overlayPath);
+        if (status.ok() && options.verbose)
+            std::printf("overlay: %s\n", options.overlayPath.c_str());
+    }
+    std::fflush(stdout);
+    return status;
+}
+
+RunStatus startSession(const RunOptions& options, const std::string& pluginPath,
+                       const FramePlan& plan, const FirstFrame& first, SparkSession& session) {
+    session.setFloatEncoding(options.floatEncoding);
+    RunStatus status = session.load(pluginPath);
+    if (!status.ok()) return status;
+    const FilePixels& picture = first.picture;
+    status = session.start(picture.width, picture.height, first.depth, picture.pixelAspect,
+                           options.setupPath);
+    if (status.ok()) status = applyControlValues(options.sets, options.keys, session.controls());
+    if (status.ok() && options.verbose)
+        std::printf("%s: %dx%d at %d bits, %zu frame(s)\n", pluginPath.c_str(), picture.width,
+                    picture.height, first.depth == kHostDepth12 ? 12 : 8, plan.frames.size());
+    if (status.ok() && options.viewerWork()) status = runViewer(options, session, plan, picture);
+    return status;
+}
+
+// One frame through the plug-in and out to its file.
+RunStatus renderFrame(const RunOptions& options, const FramePlan& plan, unsigned frame,
+                      SparkSession& session, const FilePixels& picture, int depth) {
+    const unsigned total = static_cast<unsigned>(plan.frames.size());
+    const unsigned char* result = nullptr;
+    std::string animated;
+    reportClipped(countClipped(picture, options.floatEncoding), options.floatEncoding,
+                  plan.input.fileFor(frame));
+    RunStatus status = session.process(frame, total, picture, &result, &animated);
+    if (!status.ok()) return status;
+    const std::string name = plan.output.fileFor(frame);
+    const RgbSamples samples = readHostFrame(result, session.width(), session.height(), depth,
+                                             outputSampleType(name, depth), options.floatEncoding);
+    status = writeImage(name, session.width(), session.height(), samples, picture.dateTime);
+    if (status.ok() && options.verbose)
+        std::printf(
+            "frame %u: %s%s%s  (peak memory: tool %s, reader %s; reader between frames %s)\n",
+            frame, name.c_str(), animated.empty() ? "" : "  ", animated.c_str(),
+            memoryText(peakMemory()).c_str(), memoryText(readerPeakMemory()).c_str(),
+            memoryText(readerIdleMemory()).c_str());
+    return status;
+}
+
+RunStatus renderFrames(const RunOptions& options, const FramePlan& plan, SparkSession& session,
+                       FirstFrame& first) {
+    RunStatus status;
+    ProgressBar progress(static_cast<int>(plan.frames.size()));
+    for (size_t i = 0; status.ok() && i < plan.frames.size(); ++i) {
+        const unsigned frame = plan.frames[i];
+        // A still input is read once and stands for every frame.
+        if (i > 0 && plan.input.isSequence()) {
+            int frameDepth = 0;
+            status = readImage(plan.input.fileFor(frame), first.next, &first.picture, &frameDepth);
+            if (!status.ok()) break;
+        }
+        status = renderFrame(options, plan, frame, session, first.picture, first.depth);
+        if (status.ok()) progress.advance(static_cast<int>(i + 1), frame);
+    }
+    progress.finish();
+    return status;
+}
+}  // namespace
+
+RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
+    FramePlan plan;
+    RunStatus status = planFrames(options, &plan);
+    if (!status.ok()) return status;
+    FirstFrame first;
+    status = readFirstFrame(options, plan, &first);
+    if (!status.ok()) return status;
+    SparkSession session(options.quiet, options.processors);
+    status = startSession(options, pluginPath, plan, first, session);
+    if (status.ok()) status = renderFrames(options, plan, session, first);
+    const RunStatus finished = session.finish(status.ok() ? options.saveSetupPath : "");
+    return status.ok() ? finished : status;
+}

@@ -1,0 +1,78 @@
+// sparkrun's usage text, printed by --help.
+#include "CommandLine.h"
+
+namespace {
+const char kUsage[] = R"(usage: sparkrun [options] INPUT OUTPUT
+       sparkrun [options] --list-controls
+       sparkrun [options] --save-setup FILE          (no images: just save the controls)
+       sparkrun --make-chart OUTPUT [--size WxH]
+       sparkrun --side-by-side LEFT RIGHT OUTPUT
+       sparkrun --compare A B [--margin PERCENT]
+       sparkrun --trace-chart IMAGE LINES.json
+
+Runs a Spark plug-in (by default straightlux.spark next to this tool) on image
+files through the simulated host. INPUT and OUTPUT are any files OpenImageIO
+reads and writes; a sequence is a name with a run of # (shot.####.dpx, the
+count is the zero padding) or %d / %04d. A single INPUT with a sequence OUTPUT
+renders the still for every frame.
+
+options:
+  --plugin PATH          the plug-in to run
+  --depth 8|12           host frame depth (default: 12 for inputs deeper than 8 bits)
+  --frames A-B           frame numbers (default: the sequence files found, or 1)
+  --set NAME=VALUE       set a control by its title: --set Radial1=-0.08
+                         --set "Centre X=52" --set Sampling=Cubic --set Proxy=1/2
+                         --set "Auto Preview=off"
+  --key NAME@FRAME=VALUE animation key of a number field: --key Radial1@10=-0.05
+  --setup FILE           load a saved set-up (--set and --key win over it)
+  --save-setup FILE      save every control value and key at the end
+  --list-controls        print every control with its value and range or entries
+  --lines FILE           draw these lines in the plug-in's viewer on the first
+                         frame, as a user draws them (LineEdit "Add Line", one
+                         click per point): JSON {"lines": [[[x, y], ...], ...]},
+                         image pixels, x right, y down from the top-left pixel
+                         centre, two points or more a line
+  --autofind             press AutoFind after the lines are drawn; prints the
+                         fitted Radial1 and Radial2, which the frames written
+                         use and --save-setup keeps
+  --overlay FILE         write the first input frame with the plug-in's overlay
+                         drawn on it (lines, handles, centre, fitted points)
+  --threads N            processors the host offers the plug-in
+  --float-encoding linear|log
+                         how float (scene-linear) inputs enter the 12-bit host:
+                         linear clips to 0..1 (and says how many pixels it
+                         clipped); log carries 0..64 on a log curve and undoes it
+                         on output (float input and float output such as .exr,
+                         12-bit host; within 0.1% of value + 1/64)
+  --max-memory SIZE      memory a frame may need (512M, 8G, ...); default: what
+                         the machine has free. A larger frame is refused (exit 3)
+  --verbose              report each frame, its animated values and the peak memory
+  --quiet                drop the plug-in's console output and messages (a crash
+                         or a sanitizer report still shows)
+  --help
+
+utilities:
+  --make-chart OUTPUT    the test chart (--size WxH, default 960x540)
+  --side-by-side L R OUT two pictures side by side
+  --compare A B          mean absolute difference over the interior (--margin)
+  --trace-chart IMAGE LINES.json
+                         find the test chart's outer grid lines in IMAGE (as
+                         distorted or not) and write them as a lines file
+
+exit codes: 0 done; 2 usage (bad option, control name or value; a lines file
+that is not valid JSON or has the wrong shape, a line of fewer than two
+points, a point outside the frame; AutoFind without lines, or with no line of
+three points or more); 3 input (missing, unreadable, damaged or cut-off image,
+set-up or lines file, a frame too large or needing more memory than allowed,
+no chart grid found by --trace-chart); 4 output (missing folder, name too
+long, unsupported format, write failure such as a full disk, --overlay
+without OpenGL off-screen drawing (libOSMesa)); 5 plug-in (not a plug-in,
+declined to start, lacks the viewer entry points or controls --lines,
+--autofind or --overlay need); 6 processing (no frame returned); 7 out of
+memory while working; 8 internal error; 129, 130, 143 stopped by SIGHUP,
+SIGINT, SIGTERM (the file being written is removed); a crash prints a line
+and ends by its signal (128 + N, e.g. 139)
+)";
+}  // namespace
+
+const char* usageText() { return kUsage; }
