@@ -197,54 +197,72 @@ void floatRange(const std::string& kind, void* address, float* min, float* max) 
     }
 }
 
-// Checks an entry's value by the rules for a typed value, against the loaded
-// plug-in's record; empty when fine, else what is wrong.
-std::string checkEntry(const Host& host, Entry* entry) {
-    if (entry->kind == kKeyKind) {
-        std::string kind;
-        void* address = keyedRecord(host, entry->number, &kind);
-        const std::string label =
-            "key of " + (address ? recordLabel(kind, entry->number, address)
-                                 : "control " + std::to_string(entry->number));
-        if (entry->frame < 0)
-            return label + " at frame " + std::to_string(entry->frame) + ": key frames run from 0";
-        float min, max;
-        floatRange(kind, address, &min, &max);
-        const ValueCheck check = checkFloatText(entry->value, min, max, &entry->real);
-        return check == ValueCheck::Fine
-                   ? ""
-                   : label + " = " + entry->value + floatProblem(check, min, max);
-    }
-    void* address = host.plugin
-                        ? host.plugin->symbol(recordSymbol(entry->kind, entry->number).c_str())
-                        : nullptr;
-    const std::string label =
-        recordLabel(entry->kind, entry->number, address) + " = " + entry->value;
+// A key's value: a float for the float record of its control (any finite
+// float when the plug-in has no such record), at a frame from 0.
+std::string checkKey(const Host& host, Entry* entry) {
+    std::string kind;
+    void* address = keyedRecord(host, entry->number, &kind);
+    const std::string label = "key of " + (address ? recordLabel(kind, entry->number, address)
+                                                   : "control " + std::to_string(entry->number));
+    if (entry->frame < 0)
+        return label + " at frame " + std::to_string(entry->frame) + ": key frames run from 0";
+    float min, max;
+    floatRange(kind, address, &min, &max);
+    const ValueCheck check = checkFloatText(entry->value, min, max, &entry->real);
+    return check == ValueCheck::Fine ? ""
+                                     : label + " = " + entry->value + floatProblem(check, min, max);
+}
+
+std::string checkNumber(Entry* entry, void* address, const std::string& label) {
     if (entry->kind == "Float" || entry->kind == "UserFloat") {
         float min = 0.0f, max = 0.0f;
         if (address) floatRange(entry->kind, address, &min, &max);
         const ValueCheck check = checkFloatText(entry->value, min, max, &entry->real);
         return check == ValueCheck::Fine ? "" : label + floatProblem(check, min, max);
     }
-    if (entry->kind == "Int") {
-        const auto* record = static_cast<SparkIntStruct*>(address);
-        const int min = record ? record->Min : 0;
-        const int max = record ? record->Max : 0;
-        const ValueCheck check = checkIntText(entry->value, min, max, &entry->whole);
-        if (check == ValueCheck::Fine) return "";
-        return label + (check == ValueCheck::OutOfRange
-                            ? " is outside its range " + rangeText(min, max)
-                            : " is not a whole number");
-    }
-    if (entry->kind == "Pup") {
-        const auto* record = static_cast<SparkPupStruct*>(address);
-        const int count = record ? std::clamp(record->TitleCount, 0, SPARK_MAX_PUP_TITLES) : 0;
-        if (checkIntText(entry->value, 0, 0, &entry->whole) != ValueCheck::Fine)
-            return label + " is not an entry number";
-        if (record && (entry->whole < 0 || entry->whole >= count))
-            return label + " is not one of its entries (0 .. " + std::to_string(count - 1) + ")";
-        return "";
-    }
+    const auto* record = static_cast<SparkIntStruct*>(address);
+    const int min = record ? record->Min : 0;
+    const int max = record ? record->Max : 0;
+    const ValueCheck check = checkIntText(entry->value, min, max, &entry->whole);
+    if (check == ValueCheck::Fine) return "";
+    return label + (check == ValueCheck::OutOfRange ? " is outside its range " + rangeText(min, max)
+                                                    : " is not a whole number");
+}
+
+std::string checkMenu(Entry* entry, void* address, const std::string& label) {
+    const auto* record = static_cast<SparkPupStruct*>(address);
+    const int count = record ? std::clamp(record->TitleCount, 0, SPARK_MAX_PUP_TITLES) : 0;
+    if (checkIntText(entry->value, 0, 0, &entry->whole) != ValueCheck::Fine)
+        return label + " is not an entry number";
+    if (record && (entry->whole < 0 || entry->whole >= count))
+        return label + " is not one of its entries (0 .. " + std::to_string(count - 1) + ")";
+    return "";
+}
+
+std::string checkText(Entry* entry, void* address, const std::string& label) {
+    const std::string& value = entry->value;
+    if (value.size() < 2 || value.front() != '"' || value.back() != '"')
+        return label + ": a text value is written in double quotes";
+    entry->text = unescape(value.substr(1, value.size() - 2));
+    const size_t limit = sizeof(SparkStringStruct::Value) - 1;
+    if (entry->text.size() > limit || entry->text.find('\0') != std::string::npos)
+        return recordLabel(entry->kind, entry->number, address) + " holds at most " +
+               std::to_string(limit) + " characters";
+    return "";
+}
+
+// Checks an entry's value by the rules for a typed value, against the loaded
+// plug-in's record; empty when fine, else what is wrong.
+std::string checkEntry(const Host& host, Entry* entry) {
+    if (entry->kind == kKeyKind) return checkKey(host, entry);
+    void* address = host.plugin
+                        ? host.plugin->symbol(recordSymbol(entry->kind, entry->number).c_str())
+                        : nullptr;
+    const std::string label =
+        recordLabel(entry->kind, entry->number, address) + " = " + entry->value;
+    if (entry->kind == "Float" || entry->kind == "UserFloat" || entry->kind == "Int")
+        return checkNumber(entry, address, label);
+    if (entry->kind == "Pup") return checkMenu(entry, address, label);
     if (entry->kind == "Boolean") {
         if (entry->value == "0" || entry->value == "1") {
             entry->whole = entry->value[0] - '0';
@@ -252,22 +270,11 @@ std::string checkEntry(const Host& host, Entry* entry) {
         }
         return label + ": a check box holds 0 or 1";
     }
-    if (entry->kind == "Color") {
+    if (entry->kind == "Color")
         return checkColourText(entry->value, &entry->colour) == ValueCheck::Fine
                    ? ""
                    : label + " is not a colour number";
-    }
-    if (entry->kind == "String") {
-        const std::string& value = entry->value;
-        if (value.size() < 2 || value.front() != '"' || value.back() != '"')
-            return label + ": a text value is written in double quotes";
-        entry->text = unescape(value.substr(1, value.size() - 2));
-        const size_t limit = sizeof(SparkStringStruct::Value) - 1;
-        if (entry->text.size() > limit || entry->text.find('\0') != std::string::npos)
-            return recordLabel(entry->kind, entry->number, address) + " holds at most " +
-                   std::to_string(limit) + " characters";
-        return "";
-    }
+    if (entry->kind == "String") return checkText(entry, address, label);
     return label + ": unknown kind of record";
 }
 

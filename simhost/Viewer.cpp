@@ -50,31 +50,9 @@ void fetchGl(const OsMesa& m, void* library, const char* name, F& out) {
     out = proc ? reinterpret_cast<F>(proc) : reinterpret_cast<F>(dlsym(library, name));
 }
 
-OsMesa load() {
-    OsMesa m;
-    // Mesa's llvmpipe rasterises on worker threads that live until the
-    // process ends, where the leak checker's stop-the-world has been seen to
-    // crash on them. With none it rasterises on the drawing thread, which is
-    // quick enough for overlays. A value the user set is kept.
-    setenv("LP_NUM_THREADS", "0", 0);
-    void* library = nullptr;
-    for (const char* name : {"libOSMesa.so.8", "libOSMesa.so.6", "libOSMesa.so"}) {
-        library = dlopen(name, RTLD_NOW | RTLD_LOCAL);
-        if (library) break;
-    }
-    if (!library) {
-        const char* why = dlerror();
-        m.error = std::string("cannot load the OSMesa library (install libosmesa6-dev): ") +
-                  (why ? why : "not found");
-        return m;
-    }
-    if (!fetchOsMesa(library, "OSMesaCreateContextExt", m.createContextExt) ||
-        !fetchOsMesa(library, "OSMesaMakeCurrent", m.makeCurrent) ||
-        !fetchOsMesa(library, "OSMesaDestroyContext", m.destroyContext) ||
-        !fetchOsMesa(library, "OSMesaGetProcAddress", m.getProcAddress)) {
-        m.error = "the OSMesa library lacks its context functions";
-        return m;
-    }
+// The GL entry points the plug-in's drawing is forwarded to, and the few the
+// viewer calls itself.
+void fetchGlCalls(OsMesa& m, void* library) {
     GlForward& gl = m.gl;
     fetchGl(m, library, "glBegin", gl.begin);
     fetchGl(m, library, "glEnd", gl.end);
@@ -107,6 +85,35 @@ OsMesa load() {
     fetchGl(m, library, "glPixelStorei", m.pixelStorei);
     fetchGl(m, library, "glWindowPos2i", m.windowPos2i);
     fetchGl(m, library, "glDrawPixels", m.drawPixels);
+}
+
+OsMesa load() {
+    OsMesa m;
+    // Mesa's llvmpipe rasterises on worker threads that live until the
+    // process ends, where the leak checker's stop-the-world has been seen to
+    // crash on them. With none it rasterises on the drawing thread, which is
+    // quick enough for overlays. A value the user set is kept.
+    setenv("LP_NUM_THREADS", "0", 0);
+    void* library = nullptr;
+    for (const char* name : {"libOSMesa.so.8", "libOSMesa.so.6", "libOSMesa.so"}) {
+        library = dlopen(name, RTLD_NOW | RTLD_LOCAL);
+        if (library) break;
+    }
+    if (!library) {
+        const char* why = dlerror();
+        m.error = std::string("cannot load the OSMesa library (install libosmesa6-dev): ") +
+                  (why ? why : "not found");
+        return m;
+    }
+    if (!fetchOsMesa(library, "OSMesaCreateContextExt", m.createContextExt) ||
+        !fetchOsMesa(library, "OSMesaMakeCurrent", m.makeCurrent) ||
+        !fetchOsMesa(library, "OSMesaDestroyContext", m.destroyContext) ||
+        !fetchOsMesa(library, "OSMesaGetProcAddress", m.getProcAddress)) {
+        m.error = "the OSMesa library lacks its context functions";
+        return m;
+    }
+    fetchGlCalls(m, library);
+    const GlForward& gl = m.gl;
     if (!gl.viewport || !gl.matrixMode || !gl.loadIdentity || !gl.ortho || !m.clearColor ||
         !m.clear || !m.finish || !m.pixelStorei || !m.windowPos2i || !m.drawPixels) {
         m.error = "the OSMesa library lacks the OpenGL calls the viewer needs";
@@ -168,6 +175,41 @@ bool Viewer::render(Plugin& plugin, const SparkInfoStruct& info, ViewerImage& pi
                   info, picture, error, background);
 }
 
+namespace {
+// Screen pixels, the picture's lower-left corner half a frame pixel below and
+// left of the frame's origin: frame point (i, j) is the centre of frame pixel
+// (i, j). The background, when there is one, fills the picture first.
+void prepareScreen(const OsMesa& m, long w, long h, double xScale, double scale,
+                   const ViewerImage* background) {
+    const GlForward& gl = m.gl;
+    gl.viewport(0, 0, static_cast<int>(w), static_cast<int>(h));
+    gl.matrixMode(GL_PROJECTION);
+    gl.loadIdentity();
+    const double half = 0.5 * scale;
+    gl.ortho(-0.5 * xScale, w - 0.5 * xScale, -half, h - half, -1.0, 1.0);
+    gl.matrixMode(GL_MODELVIEW);
+    gl.loadIdentity();
+    m.clearColor(0.0f, 0.0f, 0.0f, 0.0f);
+    m.clear(GL_COLOR_BUFFER_BIT);
+    if (!background) return;
+    const std::vector<unsigned char> rows = backgroundRows(*background, w, h, xScale, scale);
+    m.pixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    m.windowPos2i(0, 0);
+    m.drawPixels(static_cast<GLsizei>(w), static_cast<GLsizei>(h), GL_RGBA, GL_UNSIGNED_BYTE,
+                 rows.data());
+}
+
+// OSMesa keeps row 0 at the bottom; the picture is top row first.
+void takePicture(const std::vector<unsigned char>& buffer, long w, long h, ViewerImage& picture) {
+    picture.width = static_cast<int>(w);
+    picture.height = static_cast<int>(h);
+    picture.rgba.assign(buffer.size(), 0);
+    const size_t rowBytes = static_cast<size_t>(w) * 4;
+    for (long r = 0; r < h; ++r)
+        std::memcpy(&picture.rgba[r * rowBytes], &buffer[(h - 1 - r) * rowBytes], rowBytes);
+}
+}  // namespace
+
 bool Viewer::render(const OverlayCall& overlay, const SparkInfoStruct& info, ViewerImage& picture,
                     std::string* error, const ViewerImage* background) const {
     const OsMesa& m = osMesa();
@@ -203,45 +245,15 @@ bool Viewer::render(const OverlayCall& overlay, const SparkInfoStruct& info, Vie
                        static_cast<GLsizei>(h))) {
         return fail(error, "OSMesa could not make its context current");
     }
-
-    // Screen pixels, the picture's lower-left corner half a frame pixel
-    // below and left of the frame's origin: frame point (i, j) is the centre
-    // of frame pixel (i, j).
-    const GlForward& gl = m.gl;
-    gl.viewport(0, 0, static_cast<int>(w), static_cast<int>(h));
-    gl.matrixMode(GL_PROJECTION);
-    gl.loadIdentity();
-    const double half = 0.5 * scale_;
-    gl.ortho(-0.5 * xScale, w - 0.5 * xScale, -half, h - half, -1.0, 1.0);
-    gl.matrixMode(GL_MODELVIEW);
-    gl.loadIdentity();
-    m.clearColor(0.0f, 0.0f, 0.0f, 0.0f);
-    m.clear(GL_COLOR_BUFFER_BIT);
-    if (background) {
-        const std::vector<unsigned char> rows =
-            backgroundRows(*background, w, h, xScale, static_cast<double>(scale_));
-        m.pixelStorei(GL_UNPACK_ALIGNMENT, 1);
-        m.windowPos2i(0, 0);
-        m.drawPixels(static_cast<GLsizei>(w), static_cast<GLsizei>(h), GL_RGBA, GL_UNSIGNED_BYTE,
-                     rows.data());
-    }
-
+    prepareScreen(m, w, h, xScale, static_cast<double>(scale_), background);
     SparkInfoStruct at = info;
     at.FrameBufferX = 0;
     at.FrameBufferY = 0;
-    setGlForward(&gl);
+    setGlForward(&m.gl);
     overlay(at, zoomArgument());
     setGlForward(nullptr);
     m.finish();
-
-    // OSMesa keeps row 0 at the bottom; the picture is top row first.
-    picture.width = static_cast<int>(w);
-    picture.height = static_cast<int>(h);
-    picture.rgba.assign(buffer.size(), 0);
-    const size_t rowBytes = static_cast<size_t>(w) * 4;
-    for (long r = 0; r < h; ++r) {
-        std::memcpy(&picture.rgba[r * rowBytes], &buffer[(h - 1 - r) * rowBytes], rowBytes);
-    }
+    takePicture(buffer, w, h, picture);
     return true;
 }
 

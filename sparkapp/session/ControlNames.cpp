@@ -13,8 +13,8 @@
 #include <cstring>
 
 namespace {
-const int kProxySelectorNumber = 33;  // the framework's proxy-resolution menu
 const char kProxyName[] = "Proxy";
+const char kFullResolution[] = "FULL";
 const size_t kListNameWidth = 26;
 const size_t kListDetailWidth = 44;
 
@@ -32,6 +32,17 @@ std::string lowered(const std::string& text) {
 }
 
 std::string safeText(const char* text) { return text ? text : ""; }
+
+// A proxy-resolution menu: "FULL", then fractions of the frame "1/2", "1/3", ...
+// Hosts show it without a title of its own.
+bool isResolutionMenu(const std::vector<std::string>& entries) {
+    if (entries.size() < 2 || entries.front() != kFullResolution) return false;
+    return std::all_of(entries.begin() + 1, entries.end(), [](const std::string& entry) {
+        return entry.size() > 2 && entry.compare(0, 2, "1/") == 0 &&
+               std::all_of(entry.begin() + 2, entry.end(),
+                           [](char c) { return std::isdigit(static_cast<unsigned char>(c)); });
+    });
+}
 
 // The text before ':' (or before the printf field when there is no ':').
 std::string nameFromTitle(const std::string& title) {
@@ -176,7 +187,7 @@ ControlNames::ControlNames(const std::vector<simhost::Plugin::RecordRef>& record
             for (int i = 0; i < count; ++i)
                 control.entries.push_back(entryValue(safeText(record->Titles[i]), prefix));
             control.name = prefix;
-            if (prefix.empty() && ref.number == kProxySelectorNumber) control.name = kProxyName;
+            if (prefix.empty() && isResolutionMenu(control.entries)) control.name = kProxyName;
         } else if (ref.kind == "Boolean") {
             control.kind = ControlKind::Check;
             title = safeText(static_cast<SparkBooleanStruct*>(ref.address)->Title);
@@ -249,66 +260,82 @@ RunStatus ControlNames::find(const std::string& name, const Control** control) c
     return usage("unknown control \"" + trimmed(name) + "\"; the controls are: " + validNames());
 }
 
+namespace {
+RunStatus assignNumber(const Control& control, const std::string& value) {
+    safeio::ValueCheck check;
+    if (control.kind == ControlKind::Float) {
+        const FloatFields fields = floatFields(control);
+        float number = 0.0f;
+        check = safeio::checkFloatText(value, fields.min, fields.max, &number);
+        if (check == safeio::ValueCheck::Fine) *fields.value = number;
+    } else {
+        auto* record = static_cast<SparkIntStruct*>(control.record);
+        int number = 0;
+        check = safeio::checkIntText(value, record->Min, record->Max, &number);
+        if (check == safeio::ValueCheck::Fine) record->Value = number;
+    }
+    return check == safeio::ValueCheck::Fine ? RunStatus::success()
+                                             : valueRefused(control, value, check);
+}
+
+RunStatus assignMenu(const Control& control, const std::string& value) {
+    for (size_t i = 0; i < control.entries.size(); ++i) {
+        if (!control.entries[i].empty() && lowered(control.entries[i]) == lowered(value)) {
+            static_cast<SparkPupStruct*>(control.record)->Value = static_cast<int>(i);
+            return RunStatus::success();
+        }
+    }
+    return usage(control.name + " has no entry \"" + value +
+                 "\"; its entries are: " + joined(control.entries, ", "));
+}
+
+RunStatus assignCheck(const Control& control, const std::string& value) {
+    const std::string flag = lowered(value);
+    char on;
+    if (flag == "on" || flag == "1" || flag == "yes" || flag == "true") {
+        on = 1;
+    } else if (flag == "off" || flag == "0" || flag == "no" || flag == "false") {
+        on = 0;
+    } else {
+        return usage(control.name + " is a check box: use on, off, 1 or 0, not \"" + value + "\"");
+    }
+    static_cast<SparkBooleanStruct*>(control.record)->Value = on;
+    return RunStatus::success();
+}
+
+// The text as given, blanks and all.
+RunStatus assignText(const Control& control, const std::string& text) {
+    auto* record = static_cast<SparkStringStruct*>(control.record);
+    if (text.size() >= sizeof record->Value)
+        return usage(control.name + " holds at most " + std::to_string(sizeof record->Value - 1) +
+                     " characters");
+    std::snprintf(record->Value, sizeof record->Value, "%s", text.c_str());
+    return RunStatus::success();
+}
+
+RunStatus assignColour(const Control& control, const std::string& value) {
+    unsigned long number = 0;
+    if (safeio::checkColourText(value, &number) != safeio::ValueCheck::Fine)
+        return usage(control.name + " takes a colour number, not \"" + value + "\"");
+    static_cast<SparkColorStruct*>(control.record)->Color = number;
+    return RunStatus::success();
+}
+}  // namespace
+
 RunStatus ControlNames::assign(const Control& control, const std::string& text) const {
     const std::string value = trimmed(text);
     switch (control.kind) {
-        case ControlKind::Float: {
-            const FloatFields fields = floatFields(control);
-            float number = 0.0f;
-            const safeio::ValueCheck check =
-                safeio::checkFloatText(value, fields.min, fields.max, &number);
-            if (check != safeio::ValueCheck::Fine) return valueRefused(control, value, check);
-            *fields.value = number;
-            return RunStatus::success();
-        }
-        case ControlKind::Integer: {
-            auto* record = static_cast<SparkIntStruct*>(control.record);
-            int number = 0;
-            const safeio::ValueCheck check =
-                safeio::checkIntText(value, record->Min, record->Max, &number);
-            if (check != safeio::ValueCheck::Fine) return valueRefused(control, value, check);
-            record->Value = number;
-            return RunStatus::success();
-        }
-        case ControlKind::Menu: {
-            for (size_t i = 0; i < control.entries.size(); ++i) {
-                if (!control.entries[i].empty() && lowered(control.entries[i]) == lowered(value)) {
-                    static_cast<SparkPupStruct*>(control.record)->Value = static_cast<int>(i);
-                    return RunStatus::success();
-                }
-            }
-            return usage(control.name + " has no entry \"" + value +
-                         "\"; its entries are: " + joined(control.entries, ", "));
-        }
-        case ControlKind::Check: {
-            const std::string flag = lowered(value);
-            char on;
-            if (flag == "on" || flag == "1" || flag == "yes" || flag == "true") {
-                on = 1;
-            } else if (flag == "off" || flag == "0" || flag == "no" || flag == "false") {
-                on = 0;
-            } else {
-                return usage(control.name + " is a check box: use on, off, 1 or 0, not \"" + value +
-                             "\"");
-            }
-            static_cast<SparkBooleanStruct*>(control.record)->Value = on;
-            return RunStatus::success();
-        }
-        case ControlKind::Text: {
-            auto* record = static_cast<SparkStringStruct*>(control.record);
-            if (text.size() >= sizeof record->Value)
-                return usage(control.name + " holds at most " +
-                             std::to_string(sizeof record->Value - 1) + " characters");
-            std::snprintf(record->Value, sizeof record->Value, "%s", text.c_str());
-            return RunStatus::success();
-        }
-        case ControlKind::Colour: {
-            unsigned long number = 0;
-            if (safeio::checkColourText(value, &number) != safeio::ValueCheck::Fine)
-                return usage(control.name + " takes a colour number, not \"" + value + "\"");
-            static_cast<SparkColorStruct*>(control.record)->Color = number;
-            return RunStatus::success();
-        }
+        case ControlKind::Float:
+        case ControlKind::Integer:
+            return assignNumber(control, value);
+        case ControlKind::Menu:
+            return assignMenu(control, value);
+        case ControlKind::Check:
+            return assignCheck(control, value);
+        case ControlKind::Text:
+            return assignText(control, text);
+        case ControlKind::Colour:
+            return assignColour(control, value);
         case ControlKind::Button:
             break;
     }

@@ -4,8 +4,9 @@
 // Names: a float or integer field is named by its title's text before ':'
 // ("Radial1: %.3f" is "Radial1"); a menu by the text before ':' of its entries
 // ("Sampling: Cubic  " is menu "Sampling", value "Cubic"), its values being the
-// entry texts after ": " without trailing blanks; the unprefixed proxy menu
-// SparkPup33 ("FULL", "1/2", ...) is "Proxy"; a check box or text field by its
+// entry texts after ": " without trailing blanks; a menu without a prefix
+// whose entries are "FULL", "1/2", "1/3", ... (the proxy resolution) is
+// "Proxy"; a check box or text field by its
 // title. Every control also answers to its symbol ("SparkFloat6" or "Float6").
 // Matching ignores case and surrounding blanks. Values are checked against the
 // record's Min..Max (when Min < Max) or its menu entries before anything is

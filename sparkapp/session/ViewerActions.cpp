@@ -4,6 +4,7 @@
 #include <Viewer.h>
 #include <ViewerPointer.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 
@@ -20,7 +21,7 @@ const char kAddLine[] = "Add Line";
 const char kAutoFind[] = "AutoFind";
 const char kClearOverlay[] = "Clear Overlay";
 const char kProxy[] = "Proxy";
-const int kFullResolution = 0;  // the proxy menu's "FULL"
+const char kFullResolution[] = "FULL";
 const char kMode[] = "Mode";
 const float kViewerScale = 1.0f;
 const int kCallbackArgument = 1;
@@ -54,7 +55,7 @@ ViewerActions::ViewerActions(SparkSession& session, unsigned frame, unsigned tot
     proxy_ = session_.controls().named(kProxy, ControlKind::Menu);
     if (proxy_) {
         proxyValue_ = menuValue(*proxy_);
-        menuValue(*proxy_) = kFullResolution;
+        menuValue(*proxy_) = std::max(0, entryOf(*proxy_, kFullResolution));
     }
 }
 
