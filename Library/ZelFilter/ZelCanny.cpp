@@ -12,16 +12,11 @@ bool zelCanny(const FloatImageZel& in, const ZelCannySettings& settings, ZelEdge
         if (!zelGaussianBlur(in, blurred, settings.sigma)) return false;
         source = &blurred;
     }
-    if (!zelGradient(*source, settings.gradient, edges.dx, edges.dy) ||
-        !zelGradientMagnitude(edges.dx, edges.dy, edges.magnitude))
+    if (!zelNonMaximumClasses(*source, settings.gradient, settings.low, settings.high,
+                              edges.classes, edges.candidates))
         return false;
     edges.width = in.width();
     edges.height = in.height();
-    std::vector<unsigned char> classes;
-    if (!zelNonMaximumClasses(edges.magnitude, edges.dx, edges.dy, settings.low, settings.high,
-                              classes))
-        return false;
-    zelHysteresis(classes, edges.width, edges.height, edges.map);
-    zelEdgeSubPixelPoints(edges);
+    zelKeepEdges(edges);
     return true;
 }

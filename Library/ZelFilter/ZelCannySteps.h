@@ -1,4 +1,6 @@
-// The steps of the Canny detector after the gradient, usable on their own.
+// The steps of the Canny detector, usable on their own. The gradient is
+// never kept as whole images: the suppression computes it row by row in a
+// rolling window of three rows and records each candidate's point there.
 //
 // Non-maximum suppression (Devernay's form): a pixel is a local maximum when
 // its gradient magnitude m is larger than the neighbour's on one side and not
@@ -22,18 +24,24 @@
 
 #include "FloatImageZel.h"
 #include "ZelEdges.h"
+#include "ZelGradient.h"
 
 constexpr unsigned char kZelEdgeNone = 0;
 constexpr unsigned char kZelEdgeWeak = 1;
 constexpr unsigned char kZelEdgeStrong = 2;
+constexpr unsigned char kZelEdgeKept = 3;  // reached by the hysteresis
 
-// Banded. `classes` is resized to the image. False on missing pixels or size mismatch.
-bool zelNonMaximumClasses(const FloatImageZel& magnitude, const FloatImageZel& dx,
-                          const FloatImageZel& dy, float low, float high,
-                          std::vector<unsigned char>& classes);
-// `map` := 1 on the edges, 0 elsewhere (resized to width x height).
-void zelHysteresis(const std::vector<unsigned char>& classes, int width, int height,
-                   std::vector<unsigned char>& map);
-// Fills edges.points and edges.pointOf from edges.map and the gradient images
-// held in `edges` (banded; the points come out in row order at any processor count).
-void zelEdgeSubPixelPoints(ZelEdges& edges);
+// Gradient and suppression in one banded pass: `classes` (resized to the
+// image) gets every pixel's class, and `candidates` (resized to the height)
+// the weak and strong pixels with their sub-pixel points, in row order, each
+// band's under its first row. False when the input has no pixels.
+bool zelNonMaximumClasses(const FloatImageZel& in, ZelGradientOperator op, float low, float high,
+                          std::vector<unsigned char>& classes,
+                          std::vector<std::vector<ZelEdgePoint>>& candidates);
+// Marks kZelEdgeKept on the pixels (indices y * width + x) in `seeds` that
+// are strong and on every weak or strong pixel joined to them. Pixels of the
+// outermost ring must be kZelEdgeNone.
+void zelHysteresis(std::vector<unsigned char>& classes, int width, const std::vector<long>& seeds);
+// The whole detector after the gradient: hysteresis from the strong
+// candidates, then edges.map, edges.points and edges.rowStart from the kept ones.
+void zelKeepEdges(ZelEdges& edges);

@@ -7,8 +7,6 @@
 #include <cstddef>
 #include <vector>
 
-#include "FloatImageZel.h"
-
 struct ZelEdgePoint {
     float x = 0.0f;  // sub-pixel position on the edge
     float y = 0.0f;
@@ -24,14 +22,18 @@ struct ZelEdges {
     int height = 0;
     // Per pixel, row after row: 1 on an edge pixel, else 0.
     std::vector<unsigned char> map;
-    // Per pixel: the index of its point in `points`, or -1.
-    std::vector<int> pointOf;
     // One per edge pixel, in row order then column order.
     std::vector<ZelEdgePoint> points;
-    // The gradient the edges were found on, kept for the caller.
-    FloatImageZel dx;
-    FloatImageZel dy;
-    FloatImageZel magnitude;
+    // The points of row y are points[rowStart[y]] .. points[rowStart[y + 1] - 1].
+    std::vector<int> rowStart;
+
+    // Working storage of the detector, kept between calls: the suppression's
+    // classes per pixel, and its candidates (weak and strong maxima, with
+    // their points) per band, under the band's first row.
+    std::vector<unsigned char> classes;
+    std::vector<std::vector<ZelEdgePoint>> candidates;
 
     bool isEdge(long x, long y) const { return map[static_cast<std::size_t>(y * width + x)] != 0; }
+    // The index in `points` of the edge pixel (x, y), or -1 when it is no edge.
+    int pointAt(long x, long y) const;
 };

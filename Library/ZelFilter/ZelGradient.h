@@ -16,8 +16,21 @@
 
 enum class ZelGradientOperator { kCentral, kPrewitt, kSobel, kScharr };
 
+struct ZelGradientWeights;
+// The operator's smoothing weights and scale (see ZelGradientRows.h).
+ZelGradientWeights zelGradientWeights(ZelGradientOperator op);
+// dx, dy and magnitude of row y, each `in.width()` values. `across` and
+// `down` are working rows of in.width() + 2 floats.
+void zelGradientRow(const FloatImageZel& in, const ZelGradientWeights& w, long y, float* dx,
+                    float* dy, float* magnitude, float* across, float* down);
+// dx, dy and magnitude at one pixel (x, y), the same bits as the rows give.
+void zelGradientAt(const FloatImageZel& in, const ZelGradientWeights& w, long x, long y, float& dx,
+                   float& dy, float& magnitude);
+
+// With `magnitude`, also the magnitude, computed row by row while dx and dy
+// are at hand (the same values as zelGradientMagnitude).
 bool zelGradient(const FloatImageZel& in, ZelGradientOperator op, FloatImageZel& dx,
-                 FloatImageZel& dy);
+                 FloatImageZel& dy, FloatImageZel* magnitude = nullptr);
 bool zelGradientMagnitude(const FloatImageZel& dx, const FloatImageZel& dy,
                           FloatImageZel& magnitude);
 bool zelGradientDirection(const FloatImageZel& dx, const FloatImageZel& dy,

@@ -32,19 +32,19 @@ void zelGradientColumnsPlain(const float* up, const float* centre, const float* 
                              const ZelGradientWeights& w, float* across, float* downDiff,
                              long first, long count) {
     for (long x = first; x < count; ++x) {
-        across[x] = w.side * (up[x] + down[x]) + w.centre * centre[x];
-        downDiff[x] = down[x] - up[x];
+        across[x] = zelAcrossValue(up[x], centre[x], down[x], w);
+        downDiff[x] = zelDownValue(up[x], down[x]);
     }
 }
 
 void zelGradientAcrossPlain(const float* across, const float* downDiff, const ZelGradientWeights& w,
                             float* dx, float* dy, long first, long count) {
     for (long x = first; x < count; ++x) {
-        dx[x] = (across[x + 1] - across[x - 1]) * w.scale;
-        dy[x] = (w.side * (downDiff[x - 1] + downDiff[x + 1]) + w.centre * downDiff[x]) * w.scale;
+        dx[x] = zelDxValue(across[x - 1], across[x + 1], w);
+        dy[x] = zelDyValue(downDiff[x - 1], downDiff[x], downDiff[x + 1], w);
     }
 }
 
 void zelMagnitudeRowPlain(const float* dx, const float* dy, float* out, long first, long count) {
-    for (long x = first; x < count; ++x) out[x] = std::sqrt(dx[x] * dx[x] + dy[x] * dy[x]);
+    for (long x = first; x < count; ++x) out[x] = zelMagnitudeValue(dx[x], dy[x]);
 }

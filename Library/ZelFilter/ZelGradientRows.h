@@ -8,6 +8,8 @@
 // (across and down may be read at -1 and count.)
 #pragma once
 
+#include <cmath>
+
 #include "ZelCpu.h"
 
 struct ZelGradientWeights {
@@ -15,6 +17,20 @@ struct ZelGradientWeights {
     float centre;
     float scale;
 };
+
+// The formulas per pixel, shared by the plain forms and by code that needs
+// the gradient at a few pixels only (the same bits as the row kernels).
+inline float zelAcrossValue(float up, float centre, float down, const ZelGradientWeights& w) {
+    return w.side * (up + down) + w.centre * centre;
+}
+inline float zelDownValue(float up, float down) { return down - up; }
+inline float zelDxValue(float acrossLeft, float acrossRight, const ZelGradientWeights& w) {
+    return (acrossRight - acrossLeft) * w.scale;
+}
+inline float zelDyValue(float downLeft, float down, float downRight, const ZelGradientWeights& w) {
+    return (w.side * (downLeft + downRight) + w.centre * down) * w.scale;
+}
+inline float zelMagnitudeValue(float dx, float dy) { return std::sqrt(dx * dx + dy * dy); }
 
 void zelGradientColumns(const float* up, const float* centre, const float* down,
                         const ZelGradientWeights& w, float* across, float* downDiff, long count);

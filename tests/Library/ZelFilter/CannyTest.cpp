@@ -145,13 +145,17 @@ TEST_F(Canny, EdgeMapAgreesWithOpenCv) {
 // point indices and points agree.
 TEST_F(Canny, HysteresisKeepsWeakPixelsJoinedToStrongOnes) {
     const unsigned char N = kZelEdgeNone, W = kZelEdgeWeak, S = kZelEdgeStrong;
-    const std::vector<unsigned char> classes = {N, N, N, N, N, N, N,  //
-                                                N, W, W, N, N, W, N,  //
-                                                N, N, W, N, N, N, N,  //
-                                                N, S, N, N, W, W, N,  //
-                                                N, N, N, N, N, N, N};
+    std::vector<unsigned char> classes = {N, N, N, N, N, N, N,  //
+                                          N, W, W, N, N, W, N,  //
+                                          N, N, W, N, N, N, N,  //
+                                          N, S, N, N, W, W, N,  //
+                                          N, N, N, N, N, N, N};
+    std::vector<long> seeds;
+    for (long i = 0; i < static_cast<long>(classes.size()); ++i)
+        if (classes[i] == S) seeds.push_back(i);
+    zelHysteresis(classes, 7, seeds);
     std::vector<unsigned char> map;
-    zelHysteresis(classes, 7, 5, map);
+    for (unsigned char c : classes) map.push_back(c == kZelEdgeKept);
     const std::vector<unsigned char> expected = {0, 0, 0, 0, 0, 0, 0,  //
                                                  0, 1, 1, 0, 0, 0, 0,  //
                                                  0, 0, 1, 0, 0, 0, 0,  //
@@ -167,7 +171,7 @@ TEST_F(Canny, HysteresisKeepsWeakPixelsJoinedToStrongOnes) {
     long edgePixels = 0;
     for (int y = 0; y < edges.height; ++y)
         for (int x = 0; x < edges.width; ++x) {
-            const int index = edges.pointOf[y * edges.width + x];
+            const int index = edges.pointAt(x, y);
             edgePixels += edges.isEdge(x, y);
             ASSERT_EQ(index >= 0, edges.isEdge(x, y));
             if (index >= 0) {

@@ -70,7 +70,7 @@ std::vector<unsigned char> everything() {
     EXPECT_TRUE(zelCanny(in, settings, edges));
     EXPECT_GT(edges.points.size(), 100u);
     keep(edges.map.data(), edges.map.size());
-    keep(edges.pointOf.data(), edges.pointOf.size() * sizeof(int));
+    keep(edges.rowStart.data(), edges.rowStart.size() * sizeof(int));
     keep(edges.points.data(), edges.points.size() * sizeof(ZelEdgePoint));
 
     ImageZel picture(width, height, 1.0f, nullptr, nullptr);

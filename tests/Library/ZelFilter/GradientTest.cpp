@@ -5,6 +5,7 @@
 #include "FilterReferenceData.h"
 #include "FilterTestImages.h"
 #include "ZelGradient.h"
+#include "ZelGradientRows.h"
 #include "ZelHost.h"
 
 using filtertest::imageFrom;
@@ -56,6 +57,24 @@ TEST(Gradient, SobelAndScharrMatchOpenCv) {
     ASSERT_TRUE(zelGradient(in, ZelGradientOperator::kScharr, dx, dy));
     EXPECT_LT(maxDifference(dx, kScharrX), 1e-6f);
     EXPECT_LT(maxDifference(dy, kScharrY), 1e-6f);
+}
+
+// The gradient at one pixel is the rows' value there, at the borders too.
+TEST(Gradient, AtOnePixelIsTheRowsValue) {
+    zelHost() = ZelHost{};
+    using namespace filterref;
+    const FloatImageZel in = imageFrom(kInput, kWidth, kHeight);
+    FloatImageZel dx, dy, magnitude;
+    ASSERT_TRUE(zelGradient(in, ZelGradientOperator::kScharr, dx, dy, &magnitude));
+    const ZelGradientWeights w = zelGradientWeights(ZelGradientOperator::kScharr);
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x) {
+            float gx, gy, m;
+            zelGradientAt(in, w, x, y, gx, gy, m);
+            ASSERT_EQ(gx, dx.at(x, y));
+            ASSERT_EQ(gy, dy.at(x, y));
+            ASSERT_EQ(m, magnitude.at(x, y));
+        }
 }
 
 TEST(Gradient, DirectionsOfTheAxesAndBadArguments) {
