@@ -14,7 +14,7 @@ using filtertest::imageOf;
 
 namespace {
 
-class Canny : public ::testing::Test {
+class FilterCanny : public ::testing::Test {
   protected:
     void SetUp() override { zelHost() = ZelHost{}; }
 };
@@ -41,7 +41,7 @@ std::vector<ZelEdgePoint> inner(const ZelEdges& edges, int margin) {
 
 // A straight step whose edge lies at x = 20.3 (pixel 20 is 80% dark): every
 // point sits on it, one per row, with the gradient pointing across it.
-TEST_F(Canny, StraightStepAtAKnownSubPixelPlace) {
+TEST_F(FilterCanny, StraightStepAtAKnownSubPixelPlace) {
     const FloatImageZel in =
         areaSampled(48, 40, 0.1f, 0.9f, [](double x, double) { return x > 20.3; });
     ZelEdges edges;
@@ -60,7 +60,7 @@ TEST_F(Canny, StraightStepAtAKnownSubPixelPlace) {
 
 // An oblique step (the edge's normal at 20 degrees from x, through (30, 25)):
 // every point lies on the line, measured along the normal.
-TEST_F(Canny, ObliqueStepPointsLieOnTheLine) {
+TEST_F(FilterCanny, ObliqueStepPointsLieOnTheLine) {
     const double c = std::cos(20.0 * M_PI / 180.0), s = std::sin(20.0 * M_PI / 180.0);
     const FloatImageZel in = areaSampled(64, 50, 0.2f, 0.8f, [=](double x, double y) {
         return (x - 30.0) * c + (y - 25.0) * s > 0.0;
@@ -81,7 +81,7 @@ TEST_F(Canny, ObliqueStepPointsLieOnTheLine) {
 }
 
 // A bright disc of radius 15.3: the points follow the circle all round.
-TEST_F(Canny, DiscPointsLieOnTheCircle) {
+TEST_F(FilterCanny, DiscPointsLieOnTheCircle) {
     const double cx = 32.4, cy = 30.7, radius = 15.3;
     const FloatImageZel in = areaSampled(64, 64, 0.1f, 0.7f, [=](double x, double y) {
         return (x - cx) * (x - cx) + (y - cy) * (y - cy) < radius * radius;
@@ -106,7 +106,7 @@ TEST_F(Canny, DiscPointsLieOnTheCircle) {
 // Against OpenCV's Canny (L2 magnitude, same thresholds on the same scale) on
 // shapes: nearly every edge pixel of either lies within one pixel of the
 // other's (the suppression directions differ on diagonals).
-TEST_F(Canny, EdgeMapAgreesWithOpenCv) {
+TEST_F(FilterCanny, EdgeMapAgreesWithOpenCv) {
     using namespace filterref;
     const FloatImageZel in = imageOf(kCannyWidth, kCannyHeight, [](int x, int y) {
         return kCannyInput[y * kCannyWidth + x] / 255.0f;
@@ -143,7 +143,7 @@ TEST_F(Canny, EdgeMapAgreesWithOpenCv) {
 
 // Weak maxima survive only when joined to a strong one; the edge pixels,
 // point indices and points agree.
-TEST_F(Canny, HysteresisKeepsWeakPixelsJoinedToStrongOnes) {
+TEST_F(FilterCanny, HysteresisKeepsWeakPixelsJoinedToStrongOnes) {
     const unsigned char N = kZelEdgeNone, W = kZelEdgeWeak, S = kZelEdgeStrong;
     std::vector<unsigned char> classes = {N, N, N, N, N, N, N,  //
                                           N, W, W, N, N, W, N,  //
@@ -183,7 +183,7 @@ TEST_F(Canny, HysteresisKeepsWeakPixelsJoinedToStrongOnes) {
 }
 
 // Flat pictures and texture below the low threshold give no edges; bad settings are refused.
-TEST_F(Canny, NothingToFindAndBadSettings) {
+TEST_F(FilterCanny, NothingToFindAndBadSettings) {
     ZelEdges edges;
     const FloatImageZel flat = imageOf(20, 20, [](int, int) { return 0.5f; });
     ASSERT_TRUE(zelCanny(flat, settings(1.0f, 0.01f, 0.02f), edges));

@@ -26,14 +26,14 @@ void fillCoded(ImageZel& image) {
         }
 }
 
-class Channels : public ::testing::Test {
+class FilterChannels : public ::testing::Test {
   protected:
     void SetUp() override { zelHost() = ZelHost{}; }
 };
 
 }  // namespace
 
-TEST_F(Channels, FloatImageKeepsOrReplacesItsPixels) {
+TEST_F(FilterChannels, FloatImageKeepsOrReplacesItsPixels) {
     FloatImageZel image(3, 2);
     ASSERT_TRUE(image.hasPixels());
     for (long i = 0; i < image.count(); ++i) EXPECT_EQ(image.data()[i], 0.0f);
@@ -51,7 +51,7 @@ TEST_F(Channels, FloatImageKeepsOrReplacesItsPixels) {
 
 // Extraction scales by 1/32767; storing rounds to the nearest level, limits
 // to 0..32767 and leaves the other channels alone.
-TEST_F(Channels, ExtractStoreAndMix) {
+TEST_F(FilterChannels, ExtractStoreAndMix) {
     ImageZel image(5, 4, 1.0f, nullptr, nullptr);
     fillCoded(image);
     FloatImageZel blue;
@@ -89,7 +89,7 @@ TEST_F(Channels, ExtractStoreAndMix) {
 }
 
 // HSV against Python's colorsys, and both round trips.
-TEST_F(Channels, HsvMatchesColorsysAndRoundTrips) {
+TEST_F(FilterChannels, HsvMatchesColorsysAndRoundTrips) {
     using namespace filterref;
     const int n = sizeof kHsv / sizeof kHsv[0] / 3;
     for (int i = 0; i < n; ++i) {
@@ -142,7 +142,7 @@ TEST_F(Channels, HsvMatchesColorsysAndRoundTrips) {
 }
 
 // The whole-picture filters treat every channel alike and keep a constant.
-TEST_F(Channels, ImageBlurAndSharpenWorkPerChannel) {
+TEST_F(FilterChannels, ImageBlurAndSharpenWorkPerChannel) {
     ImageZel image(9, 7, 1.0f, nullptr, nullptr);
     image.Fill(1000, 20000, 32767, 0);
     ImageZel out(image);

@@ -24,7 +24,7 @@ FloatImageZel delta(int size) {
                    [size](int x, int y) { return x == size / 2 && y == size / 2 ? 1.0f : 0.0f; });
 }
 
-class GaussianBlur : public ::testing::Test {
+class FilterGaussian : public ::testing::Test {
   protected:
     void SetUp() override { zelHost() = ZelHost{}; }
 };
@@ -33,7 +33,7 @@ class GaussianBlur : public ::testing::Test {
 
 // The sampled kernel: weights add up to 1, ratios follow exp(-k^2 / 2 sigma^2),
 // and the exact blur of a delta is the kernel's outer product.
-TEST_F(GaussianBlur, ExactBlurOfADeltaIsTheKernel) {
+TEST_F(FilterGaussian, ExactBlurOfADeltaIsTheKernel) {
     const float sigma = 1.7f;
     const ZelSymmetricKernel k = zelGaussianKernel(sigma, zelGaussianRadius(sigma));
     ASSERT_EQ(k.radius(), 7);  // ceil(4 * 1.7)
@@ -57,7 +57,7 @@ TEST_F(GaussianBlur, ExactBlurOfADeltaIsTheKernel) {
 
 // A constant stays that constant through every blur, at the borders too
 // (the replicate border; the recursive form through its boundary conditions).
-TEST_F(GaussianBlur, ConstantStaysConstant) {
+TEST_F(FilterGaussian, ConstantStaysConstant) {
     const FloatImageZel in = imageOf(37, 23, [](int, int) { return 0.625f; });
     FloatImageZel out;
     ASSERT_TRUE(zelGaussianBlurExact(in, out, 2.5f));
@@ -72,7 +72,7 @@ TEST_F(GaussianBlur, ConstantStaysConstant) {
 }
 
 // Against OpenCV's GaussianBlur (same kernel size, replicate border).
-TEST_F(GaussianBlur, ExactMatchesOpenCv) {
+TEST_F(FilterGaussian, ExactMatchesOpenCv) {
     using namespace filterref;
     const FloatImageZel in = imageFrom(kInput, kWidth, kHeight);
     FloatImageZel out;
@@ -87,7 +87,7 @@ TEST_F(GaussianBlur, ExactMatchesOpenCv) {
 
 // The recursive filter's impulse response against the continuous Gaussian:
 // unit sum, variance sigma^2, and a shape within a small fraction of the peak.
-TEST_F(GaussianBlur, RecursiveImpulseResponseIsGaussian) {
+TEST_F(FilterGaussian, RecursiveImpulseResponseIsGaussian) {
     for (float sigma : {1.0f, 2.0f, 5.0f, 16.0f}) {
         const int size = 2 * static_cast<int>(10 * sigma) + 41;
         const int c = size / 2;
@@ -113,7 +113,7 @@ TEST_F(GaussianBlur, RecursiveImpulseResponseIsGaussian) {
 
 // On a textured image the recursive blur stays close to the exact one, also
 // next to the borders, in both directions.
-TEST_F(GaussianBlur, RecursiveIsCloseToExact) {
+TEST_F(FilterGaussian, RecursiveIsCloseToExact) {
     using namespace filterref;
     const FloatImageZel in = imageFrom(kInput, kWidth, kHeight);
     FloatImageZel recursive;
@@ -127,7 +127,7 @@ TEST_F(GaussianBlur, RecursiveIsCloseToExact) {
         for (int x = 30; x < 170; ++x) ASSERT_NEAR(recursive.at(x, y), ramp.at(x, y), 1e-4f);
 }
 
-TEST_F(GaussianBlur, BoxPassesMatchOpenCv) {
+TEST_F(FilterGaussian, BoxPassesMatchOpenCv) {
     using namespace filterref;
     const FloatImageZel in = imageFrom(kInput, kWidth, kHeight);
     FloatImageZel out;
@@ -137,7 +137,7 @@ TEST_F(GaussianBlur, BoxPassesMatchOpenCv) {
     EXPECT_LT(maxDifference(out, kBox3x3Passes3), 2e-6f);
 }
 
-TEST_F(GaussianBlur, UnsharpMaskMatchesReferenceAndSparesFlatAreas) {
+TEST_F(FilterGaussian, UnsharpMaskMatchesReferenceAndSparesFlatAreas) {
     using namespace filterref;
     const FloatImageZel in = imageFrom(kInput, kWidth, kHeight);
     FloatImageZel out;
@@ -149,7 +149,7 @@ TEST_F(GaussianBlur, UnsharpMaskMatchesReferenceAndSparesFlatAreas) {
 }
 
 // Every blur may write over its input and gives what it gives out of place.
-TEST_F(GaussianBlur, InPlaceIsTheSame) {
+TEST_F(FilterGaussian, InPlaceIsTheSame) {
     using namespace filterref;
     const FloatImageZel in = imageFrom(kInput, kWidth, kHeight);
     FloatImageZel expected;
@@ -164,7 +164,7 @@ TEST_F(GaussianBlur, InPlaceIsTheSame) {
     EXPECT_TRUE(filtertest::sameBits(work, expected));
 }
 
-TEST_F(GaussianBlur, BadArgumentsAreRefused) {
+TEST_F(FilterGaussian, BadArgumentsAreRefused) {
     const FloatImageZel empty;
     const FloatImageZel in(8, 8);
     FloatImageZel out;

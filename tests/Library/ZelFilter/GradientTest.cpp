@@ -23,7 +23,7 @@ const ZelGradientOperator kOperators[] = {
 // Every operator is a derivative estimate: a linear ramp gives its slope,
 // magnitude its length and direction its angle; at the replicated border the
 // difference spans one pixel instead of two, so half the slope.
-TEST(Gradient, LinearRampGivesItsSlope) {
+TEST(FilterGradient, LinearRampGivesItsSlope) {
     zelHost() = ZelHost{};
     const float sx = 0.013f, sy = -0.021f;
     const FloatImageZel ramp =
@@ -46,7 +46,7 @@ TEST(Gradient, LinearRampGivesItsSlope) {
 }
 
 // Sobel and Scharr against OpenCV's (scaled by 1/8 and 1/32, replicate border).
-TEST(Gradient, SobelAndScharrMatchOpenCv) {
+TEST(FilterGradient, SobelAndScharrMatchOpenCv) {
     zelHost() = ZelHost{};
     using namespace filterref;
     const FloatImageZel in = imageFrom(kInput, kWidth, kHeight);
@@ -60,7 +60,7 @@ TEST(Gradient, SobelAndScharrMatchOpenCv) {
 }
 
 // The gradient at one pixel is the rows' value there, at the borders too.
-TEST(Gradient, AtOnePixelIsTheRowsValue) {
+TEST(FilterGradient, AtOnePixelIsTheRowsValue) {
     zelHost() = ZelHost{};
     using namespace filterref;
     const FloatImageZel in = imageFrom(kInput, kWidth, kHeight);
@@ -77,7 +77,7 @@ TEST(Gradient, AtOnePixelIsTheRowsValue) {
         }
 }
 
-TEST(Gradient, DirectionsOfTheAxesAndBadArguments) {
+TEST(FilterGradient, DirectionsOfTheAxesAndBadArguments) {
     zelHost() = ZelHost{};
     FloatImageZel dx = imageOf(4, 1, [](int x, int) {
         return x == 0 ? 1.0f : x == 2 ? -1.0f : 0.0f;

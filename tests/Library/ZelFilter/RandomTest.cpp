@@ -12,7 +12,7 @@
 
 // Fixed seeds give the numbers of an independent (Python) implementation of
 // each published algorithm; PCG32's are also its reference program's.
-TEST(Random, SeedsGiveFixedNumbers) {
+TEST(FilterRandom, SeedsGiveFixedNumbers) {
     using namespace filterref;
     ZelSplitMix64 mix(1234567);
     for (uint64_t want : kSplitMix64Seed1234567) EXPECT_EQ(mix.next64(), want);
@@ -26,7 +26,7 @@ TEST(Random, SeedsGiveFixedNumbers) {
     for (double want : kXoshiroSeed99Normal) EXPECT_NEAR(zelNormal(normal), want, 1e-14);
 }
 
-TEST(Random, PortableLogAgreesWithTheLibrary) {
+TEST(FilterRandom, PortableLogAgreesWithTheLibrary) {
     for (double x : {1e-300, 1e-10, 0.1, 0.5, 0.7071, 0.99999, 1.0, 1.5, 2.0, 3.14159, 1e10, 1e300})
         EXPECT_NEAR(zelPortableLog(x), std::log(x), 4e-16 * std::max(1.0, std::fabs(std::log(x))))
             << x;
@@ -36,7 +36,7 @@ TEST(Random, PortableLogAgreesWithTheLibrary) {
 }
 
 // Moments and counts of many draws, with bounds several standard errors wide.
-TEST(Random, DistributionsHaveTheirShapes) {
+TEST(FilterRandom, DistributionsHaveTheirShapes) {
     constexpr int kDraws = 200000;
     ZelXoshiro256 g(5);
     double sum = 0.0, sumSquares = 0.0;
@@ -77,7 +77,7 @@ TEST(Random, DistributionsHaveTheirShapes) {
     for (int i = 0; i < 1000; ++i) EXPECT_LT(zelUniformBelow(p, 3000000000u), 3000000000u);
 }
 
-TEST(Random, SamplesAreDistinctAndShufflesArePermutations) {
+TEST(FilterRandom, SamplesAreDistinctAndShufflesArePermutations) {
     ZelPcg32 g(3);
     std::vector<int> hits(20, 0);
     for (int round = 0; round < 2000; ++round) {
