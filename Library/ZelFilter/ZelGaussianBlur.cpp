@@ -7,6 +7,7 @@
 #include "ZelBand.h"
 #include "ZelRecursiveGaussian.h"
 #include "ZelSeparableFilter.h"
+#include "ZelStripTranspose.h"
 #include "ZelSymmetricKernel.h"
 
 namespace {
@@ -26,19 +27,19 @@ void mp_recursiveRows(const FloatImageZel& in, FloatImageZel& out,
     std::vector<float> strip(static_cast<size_t>(width * kStripRows));
     std::vector<double> scratch(static_cast<size_t>(4 * kStripRows));
     const float* source[kStripRows];
+    float* target[kStripRows];
+    // Lanes beyond the picture's last row are written to a row of their own.
+    std::vector<float> unused(static_cast<size_t>(width));
     for (long s = first; s <= last; ++s) {
         const long y0 = s * kStripRows;
         const long rows = std::min(kStripRows, in.height() - y0);
-        for (long l = 0; l < kStripRows; ++l) source[l] = in.row(y0 + std::min(l, rows - 1));
-        for (long x = 0; x < width; ++x) {
-            float* lane = strip.data() + x * kStripRows;
-            for (long l = 0; l < kStripRows; ++l) lane[l] = source[l][x];
+        for (long l = 0; l < kStripRows; ++l) {
+            source[l] = in.row(y0 + std::min(l, rows - 1));
+            target[l] = l < rows ? out.row(y0 + l) : unused.data();
         }
+        zelRowsToStrip(source, kStripRows, width, strip.data());
         zelRecursiveLines(strip.data(), width, kStripRows, kStripRows, c, scratch.data());
-        for (long l = 0; l < rows; ++l) {
-            float* target = out.row(y0 + l);
-            for (long x = 0; x < width; ++x) target[x] = strip[x * kStripRows + l];
-        }
+        zelStripToRows(strip.data(), kStripRows, width, target);
     }
 }
 

@@ -5,15 +5,16 @@
 // - Recursive: ZelRecursiveGaussian.h, the same cost at any sigma; its
 //   impulse response is a close approximation of the Gaussian with exactly
 //   the variance sigma^2.
-// - zelGaussianBlur picks whichever is faster for the sigma: exact below
-//   kZelRecursiveFromSigma, recursive from there on.
+// - zelGaussianBlur: the exact form below kZelRecursiveFromSigma (there it is
+//   as fast as the recursive one or faster, and exact), the recursive one
+//   from there on (its cost does not grow with sigma).
 // Every call returns false when the input has no pixels, sigma is not
 // positive (recursive: below kZelRecursiveMinSigma) or allocation failed.
 #pragma once
 
 #include "FloatImageZel.h"
 
-constexpr float kZelRecursiveFromSigma = 3.0f;
+constexpr float kZelRecursiveFromSigma = 5.0f;
 
 bool zelGaussianBlurExact(const FloatImageZel& in, FloatImageZel& out, float sigma, int radius = 0);
 bool zelGaussianBlurRecursive(const FloatImageZel& in, FloatImageZel& out, float sigma);

@@ -66,10 +66,12 @@ void zelShuffle(Generator& g, T* items, size_t count) {
     }
 }
 
-// k distinct values of 0 .. n-1 into out[0 .. k-1]; k <= n. Quadratic in k,
-// meant for the few points of a model hypothesis.
+// k distinct values of 0 .. n-1 into out[0 .. k-1] (all n of them when
+// k > n); returns how many. Quadratic in k, meant for the few points of a
+// model hypothesis.
 template <class Generator>
-void zelSampleDistinct(Generator& g, uint32_t n, uint32_t k, uint32_t* out) {
+uint32_t zelSampleDistinct(Generator& g, uint32_t n, uint32_t k, uint32_t* out) {
+    if (k > n) k = n;
     uint32_t taken = 0;
     for (uint32_t j = n - k; j < n; ++j) {
         const uint32_t t = zelUniformBelow(g, j + 1);
@@ -77,4 +79,5 @@ void zelSampleDistinct(Generator& g, uint32_t n, uint32_t k, uint32_t* out) {
         for (uint32_t i = 0; i < taken; ++i) seen = seen || out[i] == t;
         out[taken++] = seen ? j : t;
     }
+    return taken;
 }
