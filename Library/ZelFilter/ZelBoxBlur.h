@@ -3,7 +3,8 @@
 // Gaussian). Each pass is a separable convolution with equal weights (see
 // ZelSeparableFilter.h), so the result does not depend on where the bands
 // start. `out` is resized to the input and may be it. False when the input
-// has no pixels, a radius is negative, passes < 1, or allocation failed.
+// has no pixels, a radius is negative or above kZelMaxKernelRadius, passes < 1,
+// or allocation failed.
 #pragma once
 
 #include "FloatImageZel.h"

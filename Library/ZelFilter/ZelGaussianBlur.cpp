@@ -61,11 +61,13 @@ bool zelGaussianBlurExact(const FloatImageZel& in, FloatImageZel& out, float sig
     if (!(sigma > 0.0f) || radius < 0) return false;
     const ZelSymmetricKernel kernel =
         zelGaussianKernel(sigma, radius > 0 ? radius : zelGaussianRadius(sigma));
+    if (kernel.weights.empty()) return false;
     return zelSeparableFilter(in, out, kernel, kernel);
 }
 
 bool zelGaussianBlurRecursive(const FloatImageZel& in, FloatImageZel& out, float sigma) {
-    if (!in.hasPixels() || !(sigma >= kZelRecursiveMinSigma)) return false;
+    if (!in.hasPixels() || !(sigma >= kZelRecursiveMinSigma) || !(sigma <= kZelMaxSigma))
+        return false;
     if (&in != &out && !out.resize(in.width(), in.height())) return false;
     const ZelRecursiveCoefficients c = zelRecursiveGaussianCoefficients(sigma);
     // A strip reads all its rows before it writes them, so in may be out.

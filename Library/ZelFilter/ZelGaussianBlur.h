@@ -9,12 +9,17 @@
 //   as fast as the recursive one or faster, and exact), the recursive one
 //   from there on (its cost does not grow with sigma).
 // Every call returns false when the input has no pixels, sigma is not
-// positive (recursive: below kZelRecursiveMinSigma) or allocation failed.
+// positive (recursive: below kZelRecursiveMinSigma) or above kZelMaxSigma,
+// the exact kernel would be wider than kZelMaxKernelRadius, or allocation
+// failed.
 #pragma once
 
 #include "FloatImageZel.h"
 
 constexpr float kZelRecursiveFromSigma = 5.0f;
+// Wider blurs than this are refused: the recursive form's border conditions
+// take time and memory in proportion to sigma.
+constexpr float kZelMaxSigma = 10000.0f;
 
 bool zelGaussianBlurExact(const FloatImageZel& in, FloatImageZel& out, float sigma, int radius = 0);
 bool zelGaussianBlurRecursive(const FloatImageZel& in, FloatImageZel& out, float sigma);

@@ -11,12 +11,13 @@ constexpr double kSigmasPerRadius = 4.0;
 
 int zelGaussianRadius(float sigma) {
     const double r = std::ceil(kSigmasPerRadius * static_cast<double>(sigma));
+    if (!(r <= kZelMaxKernelRadius)) return kZelMaxKernelRadius + 1;
     return r < 1.0 ? 1 : static_cast<int>(r);
 }
 
 ZelSymmetricKernel zelGaussianKernel(float sigma, int radius) {
     ZelSymmetricKernel kernel;
-    if (!(sigma > 0.0f) || radius < 0) return kernel;
+    if (!(sigma > 0.0f) || radius < 0 || radius > kZelMaxKernelRadius) return kernel;
     const double s = sigma;
     std::vector<double> g(static_cast<size_t>(radius) + 1);
     double sum = 0.0;
@@ -31,7 +32,7 @@ ZelSymmetricKernel zelGaussianKernel(float sigma, int radius) {
 
 ZelSymmetricKernel zelBoxKernel(int radius) {
     ZelSymmetricKernel kernel;
-    if (radius < 0) return kernel;
+    if (radius < 0 || radius > kZelMaxKernelRadius) return kernel;
     const float w = static_cast<float>(1.0 / (2.0 * radius + 1.0));
     kernel.weights.assign(static_cast<size_t>(radius) + 1, w);
     return kernel;

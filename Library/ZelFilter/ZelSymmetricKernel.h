@@ -7,13 +7,20 @@
 
 #include <vector>
 
+// The widest kernel the separable filters take (pixels either side): every
+// output reads 2 radius + 1 inputs each way, so wider ones belong to the
+// recursive Gaussian.
+constexpr int kZelMaxKernelRadius = 1024;
+
 struct ZelSymmetricKernel {
     std::vector<float> weights;  // weights[0] the centre; size radius + 1
     int radius() const { return static_cast<int>(weights.size()) - 1; }
 };
 
-// The default truncation: ceil(4 sigma) pixels, at least 1.
+// The default truncation: ceil(4 sigma) pixels, at least 1 (kZelMaxKernelRadius + 1
+// for any sigma too wide for that, so that the kernel is refused).
 int zelGaussianRadius(float sigma);
-// Empty weights when sigma is not positive or radius is negative.
+// Empty weights when sigma is not positive or radius is negative or above
+// kZelMaxKernelRadius.
 ZelSymmetricKernel zelGaussianKernel(float sigma, int radius);
 ZelSymmetricKernel zelBoxKernel(int radius);

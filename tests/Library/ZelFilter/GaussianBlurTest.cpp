@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 #include "FilterReferenceData.h"
 #include "FilterTestImages.h"
@@ -172,6 +173,12 @@ TEST_F(FilterGaussian, BadArgumentsAreRefused) {
     EXPECT_FALSE(zelGaussianBlurExact(in, out, 0.0f));
     EXPECT_FALSE(zelGaussianBlurExact(in, out, std::nanf("")));
     EXPECT_FALSE(zelGaussianBlurRecursive(in, out, 0.3f));
+    // Too wide to do in reasonable time and memory: refused, not attempted.
+    EXPECT_FALSE(zelGaussianBlurExact(in, out, 1e6f));
+    EXPECT_FALSE(zelGaussianBlurExact(in, out, 1.0f, kZelMaxKernelRadius + 1));
+    EXPECT_FALSE(zelGaussianBlurRecursive(in, out, 1e5f));
+    EXPECT_FALSE(zelGaussianBlur(in, out, std::numeric_limits<float>::infinity()));
+    EXPECT_FALSE(zelBoxBlur(in, out, kZelMaxKernelRadius + 1, 1));
     EXPECT_FALSE(zelBoxBlur(in, out, -1, 1));
     EXPECT_FALSE(zelBoxBlur(in, out, 1, 1, 0));
     EXPECT_FALSE(zelUnsharpMask(in, out, -1.0f, 1.0f));
