@@ -10,9 +10,11 @@ set -euo pipefail
 
 # The base toolchain (a fresh machine has these) and what the project adds:
 # pkg-config finds OpenImageIO for the command-line tool; OSMesa gives the
-# simulated host's viewer a real OpenGL context.
+# simulated host's viewer a real OpenGL context; OpenCV and lensfun (whose
+# pkg-config file needs glib's) read and write lens data, and the ST-map tests
+# run oiiotool.
 packages=(g++ cmake make pkg-config clang-format libgtest-dev libbenchmark-dev libopenimageio-dev
-  libosmesa6-dev)
+  libosmesa6-dev libopencv-dev liblensfun-dev liblensfun-data-v1 libglib2.0-dev openimageio-tools)
 # shellcheck disable=SC2206
 packages+=(${STRAIGHTLUX_SETUP_EXTRA:-})
 
