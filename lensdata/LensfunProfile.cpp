@@ -2,6 +2,7 @@
 
 #include <lensfun/lensfun.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <sstream>
@@ -116,12 +117,17 @@ LensDataStatus lensfunProfileOf(const lfLens& lens, double focal, double cameraC
     if (!std::isfinite(focal) || !(focal > 0.0))
         return LensDataStatus::fail(LensDataFailure::kBadValue,
                                     "the focal length must be a number of millimetres above 0");
-    // Outside the lens's range lensfun would extrapolate; a typing error is likelier.
-    if (lens.MinFocal > 0.0f && lens.MaxFocal > 0.0f &&
-        (focal < lens.MinFocal - 0.05 || focal > lens.MaxFocal + 0.05)) {
+    // Outside the lens's range (or its calibrations', which may reach a
+    // little past it) lensfun would extrapolate; a typing error is likelier.
+    double shortest = lens.MinFocal, longest = lens.MaxFocal;
+    for (int i = 0; lens.CalibDistortion != nullptr && lens.CalibDistortion[i] != nullptr; ++i) {
+        shortest = std::min<double>(shortest, lens.CalibDistortion[i]->Focal);
+        longest = std::max<double>(longest, lens.CalibDistortion[i]->Focal);
+    }
+    if (shortest > 0.0 && longest > 0.0 && (focal < shortest || focal > longest)) {
         std::ostringstream text;
-        text << "focal length " << focal << " mm is outside " << name << "'s range "
-             << lens.MinFocal << ".." << lens.MaxFocal << " mm";
+        text << "focal length " << focal << " mm is outside " << name << "'s range " << shortest
+             << ".." << longest << " mm";
         return LensDataStatus::fail(LensDataFailure::kBadValue, text.str());
     }
     lfLensCalibDistortion distortion = {LF_DIST_MODEL_NONE, 0.0f, {0.0f, 0.0f, 0.0f}};
