@@ -52,14 +52,8 @@ void Straightlux::ProcessFrame() {
     frameScale = static_cast<float>(out->secondScale);
     normScale = 1.0f;
 
-    // The centre control holds fractions of the frame; the model works in pixels.
-    centreX = static_cast<float>(width * info.centre.x);
-    centreY = static_cast<float>(height * info.centre.y);
-    squeeze = static_cast<float>(info.squeeze.value);
-    radial1 = static_cast<float>(info.radial1.value);
-    radial2 = static_cast<float>(info.radial2.value);
-    xCurvature = static_cast<float>(info.xCurvature.value);
-    yCurvature = static_cast<float>(info.yCurvature.value);
+    loadControls(info.centre.x, info.centre.y, info.squeeze.value, info.radial1.value,
+                 info.radial2.value, info.xCurvature.value, info.yCurvature.value);
     magnify = static_cast<float>(info.magnify.value);
     sampling = info.sampling.value;
     mode = info.mode.value;
@@ -73,8 +67,7 @@ void Straightlux::ProcessFrame() {
     if (addressMap == nullptr || ControlsChanged()) ComputeAddressMap(mode == kModeAdd);
 
     if (addressMap != nullptr && xfm != nullptr && scratch != nullptr) {
-        // A magnify within the dead band of 1 is treated as exactly 1: no pass.
-        if (std::fabs(static_cast<double>(magnify) - 1.0) > kMagnifyDeadBand) {
+        if (magnifies(magnify)) {
             // Resampled into scratch and magnified into the output: the same
             // bytes as resampling into the output, magnifying into scratch and
             // copying that back, one copy of the frame fewer.
@@ -98,15 +91,26 @@ void Straightlux::resamplePass(ImageZel& in, ImageZel& to) {
     });
 }
 
+// A magnify within the dead band of 1 is treated as exactly 1: no pass.
+bool Straightlux::magnifies(float magnify) {
+    return std::fabs(static_cast<double>(magnify) - 1.0) > kMagnifyDeadBand;
+}
+
 // Zoom about the frame centre: read from the right, the steps move the centre
-// to the origin, scale, and move it back. Bands of output rows.
+// to the origin, scale, and move it back.
+void Straightlux::composeMagnify(ImageXfmZel& xfm, int32_t frameWidth, int32_t frameHeight,
+                                 float magnify) {
+    xfm.translate(kHalf * frameWidth, kHalf * frameHeight);
+    xfm.scale(magnify, magnify);
+    xfm.translate(-kHalf * frameWidth, -kHalf * frameHeight);
+    xfm.set_transform(kInvertTransform);
+}
+
+// Bands of output rows.
 void Straightlux::magnifyPass(ImageZel& from, ImageZel& to) {
     xfm->reset();
     xfm->sampleMode(sampling);
-    xfm->translate(kHalf * width, kHalf * height);
-    xfm->scale(magnify, magnify);
-    xfm->translate(-kHalf * width, -kHalf * height);
-    xfm->set_transform(kInvertTransform);
+    composeMagnify(*xfm, width, height, magnify);
     zelForEachBand(height, [this, &from, &to](long first, long last) {
         xfm->apply(from, to, static_cast<int>(first), static_cast<int>(last));
     });

@@ -57,6 +57,13 @@ class Straightlux : public PluginZel, public OverlayZel, public StraightluxModel
     // of `from` into `to` about the frame centre.
     void resamplePass(ImageZel& in, ImageZel& to);
     void magnifyPass(ImageZel& from, ImageZel& to);
+    // Whether a "Magnify" value runs the magnify pass at all (a dead band about 1).
+    static bool magnifies(float magnify);
+    // Composes the magnify pass's zoom about the frame centre into `xfm` and
+    // inverts it, so that xfm.inverse maps an output pixel to the point of
+    // the resampled frame it shows. Also used to compose ST-maps.
+    static void composeMagnify(ImageXfmZel& xfm, int32_t frameWidth, int32_t frameHeight,
+                               float magnify);
 
     // The lens fields a reset puts back to their defaults (the control table's).
     enum class LensField {

@@ -81,6 +81,19 @@ StraightluxModel::Coefficients StraightluxModel::deriveCoefficients() const {
     return c;
 }
 
+void StraightluxModel::loadControls(double centreXFraction, double centreYFraction,
+                                    double squeezeValue, double radial1Value, double radial2Value,
+                                    double xCurvatureValue, double yCurvatureValue) {
+    // The centre control holds fractions of the frame; the model works in pixels.
+    centreX = static_cast<float>(width * centreXFraction);
+    centreY = static_cast<float>(height * centreYFraction);
+    squeeze = static_cast<float>(squeezeValue);
+    radial1 = static_cast<float>(radial1Value);
+    radial2 = static_cast<float>(radial2Value);
+    xCurvature = static_cast<float>(xCurvatureValue);
+    yCurvature = static_cast<float>(yCurvatureValue);
+}
+
 void StraightluxModel::MapUndistortedToDistorted(tagDPT2 in, tagDPT2& out) const {
     const Coefficients c = deriveCoefficients();
     const double R = normalisingRadius();

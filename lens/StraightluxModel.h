@@ -45,6 +45,13 @@ class StraightluxModel {
         double jxxP2, jxyPQ, jxyMixed, jyxPQ, jyxMixed, jyyQ2;
     };
 
+    // Loads the model for a frame of width x height (set first) from the lens
+    // controls' values, as each frame does: the centre in fractions of the
+    // frame, the rest as the controls hold them.
+    void loadControls(double centreXFraction, double centreYFraction, double squeezeValue,
+                      double radial1Value, double radial2Value, double xCurvatureValue,
+                      double yCurvatureValue);
+
     void MapUndistortedToDistorted(tagDPT2 in, tagDPT2& out) const;
     // 0…49 on success; kInverseSingular leaves `out` untouched; kInverseNotConverged
     // writes the last iterate. Adds the corrections made to iterationTotal.

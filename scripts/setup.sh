@@ -11,9 +11,12 @@ set -euo pipefail
 # The base toolchain (a fresh machine has these) and what the project adds:
 # pkg-config finds OpenImageIO for the command-line tool; OSMesa gives the
 # simulated host's viewer a real OpenGL context; CLI11 parses the programs'
-# command lines and nlohmann-json reads lines files.
+# command lines and nlohmann-json reads lines files; OpenCV and lensfun (whose
+# pkg-config file needs glib's) read and write lens data, and the ST-map tests
+# run oiiotool.
 packages=(g++ cmake make pkg-config clang-format libgtest-dev libbenchmark-dev libopenimageio-dev
-  libosmesa6-dev libcli11-dev nlohmann-json3-dev)
+  libosmesa6-dev libcli11-dev nlohmann-json3-dev libopencv-dev liblensfun-dev liblensfun-data-v1
+  libglib2.0-dev openimageio-tools)
 # shellcheck disable=SC2206
 packages+=(${STRAIGHTLUX_SETUP_EXTRA:-})
 
