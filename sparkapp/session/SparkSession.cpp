@@ -136,10 +136,7 @@ RunStatus SparkSession::process(unsigned frame, unsigned totalFrames, const File
     fillHostFrame(picture, depth_, host.setBuffer(kInputBufferId, width_, height_, depth_).bytes(),
                   floatEncoding_);
     host.setBuffer(kOutputBufferId, width_, height_, depth_);
-    if (!valuesTaken_) {
-        unkeyedValues_ = controls_->keyedValues(host);
-        valuesTaken_ = true;
-    }
+    keepUnkeyedValues();
     *animated = controls_->applyCurves(host, frame);
 
     const SparkInfoStruct info = infoFor(frame, totalFrames, setupPath_);
@@ -168,6 +165,12 @@ RunStatus SparkSession::process(unsigned frame, unsigned totalFrames, const File
     return RunStatus::failure(ExitCode::Processing,
                               "the plug-in returned a buffer the host did not hand out for frame " +
                                   std::to_string(frame));
+}
+
+void SparkSession::keepUnkeyedValues() {
+    if (valuesTaken_) return;
+    unkeyedValues_ = controls_->keyedValues(simhost::Host::instance());
+    valuesTaken_ = true;
 }
 
 RunStatus SparkSession::finish(const std::string& savePath) {
