@@ -164,7 +164,8 @@ TEST_F(ThreadTable, CloseCancelsEveryTrackedThread) {
     ASSERT_NE(b, -1);
     zelmp_close_threads();
     EXPECT_EQ(zelmp_thread_count(), 0);
-    EXPECT_TRUE(eventually([&] { return first.unwound && second.unwound; }));
+    EXPECT_TRUE(eventually([&] { return bool(first.unwound); }));
+    EXPECT_TRUE(eventually([&] { return bool(second.unwound); }));
 
     // The layer sets itself up again on the next start.
     Gate gate;
