@@ -1,3 +1,6 @@
+// The runtime's table of tracked threads: at most 32, entries dropped when a
+// thread is killed or leaves, creation retried while resources are short,
+// and closing cancels every tracked thread.
 #include <errno.h>
 #include <gtest/gtest.h>
 #include <pthread.h>

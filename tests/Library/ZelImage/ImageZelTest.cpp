@@ -1,3 +1,6 @@
+// ImageZel, the picture type: construction with own or lent pixels and the
+// copy, bilinear point sampling at the borders and between pixels, and the
+// value operations (fill, channel fill, look-up tables, copy, blend).
 #include <gtest/gtest.h>
 
 #include <cstring>

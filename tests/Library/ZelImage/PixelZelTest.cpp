@@ -1,3 +1,5 @@
+// PixelZel, the 15-bit pixel: HSV both ways, hand-worked and round trips
+// through every hue sector, and luminance.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
