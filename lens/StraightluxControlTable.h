@@ -1,7 +1,10 @@
 // The plug-in's control table: one description per host control record, read
 // by everything that needs a control's number, title, range or default (the
 // exported records, the binding, the callbacks, the resets, the channel
-// editor, the amplitude import and the tests). Values are in host units:
+// editor, the amplitude import and the tests). Which records exist and what
+// each is bound to is the control list, StraightluxControls.def; the table's
+// arrays are expanded from it, and static_asserts below hold every listed
+// record's descriptor to the list's number, kind and symbol. Values are in host units:
 // floats as the field shows them (percent for the centre), menus as 0-based
 // indices; `pluginDefault` gives the plug-in's units (fractions, 1-based
 // entries). Titles keep their trailing blanks: the host lays the page out
