@@ -20,8 +20,11 @@
 
 #if defined(__SANITIZE_ADDRESS__)
 // A picture too large for the address space must come back as a null
-// allocation, as it does from the C library, not as a sanitizer report.
-extern "C" const char* __asan_default_options() { return "allocator_may_return_null=1"; }
+// allocation, as it does from the C library, not as a sanitizer report. (The
+// sanitizer finds this hook only when it is visible outside the program.)
+extern "C" __attribute__((visibility("default"))) const char* __asan_default_options() {
+    return "allocator_may_return_null=1";
+}
 #endif
 
 namespace {
