@@ -1,3 +1,6 @@
+// The runtime's machine queries (processors, page size, names, memory and
+// its log lines) and the scheduling classes, which act on the calling thread
+// only.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
