@@ -145,6 +145,10 @@ RunStatus parseCommandLine(int argc, char** argv, RunOptions* options) {
     addModes(app, *options);
     addUtilityOptions(app, *options);
     app.add_option("files", options->files);
+    return parseApp(app, argc, argv);
+}
+
+RunStatus parseApp(CLI::App& app, int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const ValueRefused& refused) {

@@ -20,7 +20,7 @@ RunStatus usage(const std::string& text) { return RunStatus::failure(ExitCode::U
 
 // Images in and out: the main mode with its two names.
 bool imagesIn(const RunOptions& options) {
-    return options.mode == RunMode::Process && !options.files.empty();
+    return options.mode == RunMode::Process && !options.files.empty() && !options.viewer;
 }
 
 // One utility mode at a time.
@@ -49,6 +49,7 @@ RunStatus modeFiles(const RunOptions& options) {
             return count == 0 ? RunStatus::success()
                               : usage("--list-controls takes no INPUT or OUTPUT");
         case RunMode::Process:
+            if (options.viewer) return RunStatus::success();
             // With no names at all, --save-setup alone saves the controls.
             if (count == 2 || (count == 0 && !options.saveSetupPath.empty()))
                 return RunStatus::success();
@@ -69,8 +70,28 @@ RunStatus setupNames(const RunOptions& options) {
     return RunStatus::success();
 }
 
+// The viewer program shows one image or sequence, drawing the lines on its
+// first frame.
+RunStatus viewerProgram(const RunOptions& options) {
+    if (!options.viewer) return RunStatus::success();
+    if (options.files.size() > 1) return usage("give at most one IMAGE or PATTERN");
+    if (options.autoFind && options.linesPath.empty())
+        return usage("--autofind presses AutoFind after the lines of --lines are drawn");
+    if (!options.linesPath.empty() && options.files.empty())
+        return usage("--lines draws on an IMAGE: name one");
+    if (options.files.empty()) return RunStatus::success();
+    FramePattern input;
+    std::string error;
+    std::vector<unsigned> frames;
+    if (!FramePattern::parse(options.files[0], &input, &error) ||
+        (!options.frames.empty() && !parseFrameRange(options.frames, &frames, &error)))
+        return usage(error);
+    return RunStatus::success();
+}
+
 // The viewer's work is done on the first input frame.
 RunStatus viewerNeedsImages(const RunOptions& options) {
+    if (options.viewer) return RunStatus::success();
     if (options.viewerWork() && !imagesIn(options))
         return usage("--lines, --autofind and --overlay work on an INPUT and OUTPUT");
     return RunStatus::success();
@@ -121,8 +142,8 @@ RunStatus overlayName(const RunOptions& options) {
 }
 
 const std::vector<Rule>& rules() {
-    static const std::vector<Rule> all = {oneMode,        setupNames,  viewerNeedsImages, modeFiles,
-                                          namesAndFrames, logEncoding, overlayName};
+    static const std::vector<Rule> all = {oneMode,        setupNames,  viewerProgram, viewerNeedsImages,
+                                          modeFiles,      namesAndFrames, logEncoding, overlayName};
     return all;
 }
 }  // namespace

@@ -36,6 +36,9 @@ struct RunOptions {
     int chartWidth = 0;  // 0: the default chart size
     int chartHeight = 0;
     double marginPercent = 10.0;
+    // The interactive viewer's command line: at most one INPUT (an image or a
+    // sequence pattern) and no OUTPUT; the session options mean the same.
+    bool viewer = false;
 
     // --lines, --autofind or --overlay: work in the plug-in's viewer.
     bool viewerWork() const { return !linesPath.empty() || autoFind || !overlayPath.empty(); }
