@@ -84,15 +84,15 @@ QWidget* ControlsPanel::makeNumber(size_t index, Row& row) {
     layout->addWidget(spin);
     layout->addWidget(slider, 1);
     layout->addWidget(key);
-    connect(spin, qOverload<double>(&QDoubleSpinBox::valueChanged), this,
-            [this, index, slider, scale](double value) {
-                const QSignalBlocker block(slider);
-                slider->setValue(static_cast<int>(std::lround((value - scale.minimum) / scale.step)));
-                emit numberChanged(index, value);
-            });
-    connect(slider, &QSlider::valueChanged, this, [spin, scale](int position) {
-        spin->setValue(scale.minimum + position * scale.step);
-    });
+    connect(
+        spin, qOverload<double>(&QDoubleSpinBox::valueChanged), this,
+        [this, index, slider, scale](double value) {
+            const QSignalBlocker block(slider);
+            slider->setValue(static_cast<int>(std::lround((value - scale.minimum) / scale.step)));
+            emit numberChanged(index, value);
+        });
+    connect(slider, &QSlider::valueChanged, this,
+            [spin, scale](int position) { spin->setValue(scale.minimum + position * scale.step); });
     connect(key, &QToolButton::clicked, this, [this, index] { emit keyToggled(index); });
     row.widgets = {spin, slider};
     row.keyButton = key;
@@ -149,11 +149,20 @@ void ControlsPanel::build(const std::vector<ControlDescription>& controls) {
         QWidget* field = nullptr;
         switch (row.description.kind) {
             case ControlKind::Float:
-            case ControlKind::Integer: field = makeNumber(i, row); break;
-            case ControlKind::Menu: field = makeMenu(i, row); break;
-            case ControlKind::Check: field = makeCheck(i, row); break;
-            case ControlKind::Button: field = makeButton(i, row); break;
-            default: continue;  // text and colour fields are not shown
+            case ControlKind::Integer:
+                field = makeNumber(i, row);
+                break;
+            case ControlKind::Menu:
+                field = makeMenu(i, row);
+                break;
+            case ControlKind::Check:
+                field = makeCheck(i, row);
+                break;
+            case ControlKind::Button:
+                field = makeButton(i, row);
+                break;
+            default:
+                continue;  // text and colour fields are not shown
         }
         const bool labelled = row.description.kind == ControlKind::Float ||
                               row.description.kind == ControlKind::Integer ||
@@ -190,7 +199,8 @@ void ControlsPanel::showValue(const Row& row, const ControlValue& value, unsigne
                 const QSignalBlocker blockSlider(slider);
                 spin->setValue(value.number);
                 const SliderScale scale = sliderScale(row.description);
-                slider->setValue(static_cast<int>(std::lround((spin->value() - scale.minimum) / scale.step)));
+                slider->setValue(
+                    static_cast<int>(std::lround((spin->value() - scale.minimum) / scale.step)));
             }
             auto* key = static_cast<QToolButton*>(row.keyButton);
             const bool keyed = std::find(value.keyFrames.begin(), value.keyFrames.end(),
@@ -217,5 +227,6 @@ void ControlsPanel::showValue(const Row& row, const ControlValue& value, unsigne
 }
 
 void ControlsPanel::setValues(const std::vector<ControlValue>& values, unsigned frame) {
-    for (size_t i = 0; i < rows_.size() && i < values.size(); ++i) showValue(rows_[i], values[i], frame);
+    for (size_t i = 0; i < rows_.size() && i < values.size(); ++i)
+        showValue(rows_[i], values[i], frame);
 }

@@ -1,10 +1,10 @@
 // Checking for a display and for OpenGL.
 #include "DisplayCheck.h"
 
+#include <GlForward.h>
 #include <dlfcn.h>
 #include <xcb/xcb.h>
 
-#include <GlForward.h>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
 #include <QOpenGLFunctions_2_1>
@@ -15,9 +15,7 @@
 #include "ViewerWidget.h"
 
 namespace {
-RunStatus noWindow(const std::string& text) {
-    return RunStatus::failure(ExitCode::Display, text);
-}
+RunStatus noWindow(const std::string& text) { return RunStatus::failure(ExitCode::Display, text); }
 
 std::string libraryOf(const void* function) {
     Dl_info found;

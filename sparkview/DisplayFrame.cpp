@@ -33,9 +33,9 @@ DisplayFrame displayFromPicture(const FilePixels& picture) {
         uint8_t* to = &out.rgb[static_cast<size_t>(picture.height - 1 - r) * rowSamples];
         const size_t from = static_cast<size_t>(r) * rowSamples;
         for (size_t i = 0; i < rowSamples; ++i)
-            to[i] = static_cast<uint8_t>(picture.isFloat
-                                             ? eightFromFloat(picture.reals[from + i])
-                                             : eightFromSixteen(picture.words[from + i]));
+            to[i] =
+                static_cast<uint8_t>(picture.isFloat ? eightFromFloat(picture.reals[from + i])
+                                                     : eightFromSixteen(picture.words[from + i]));
     }
     return out;
 }

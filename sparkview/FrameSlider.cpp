@@ -40,7 +40,8 @@ void FrameSlider::setFrame(unsigned frame) {
 void FrameSlider::setKeyFrames(const std::vector<int>& keyFrames) {
     std::vector<int> marked;
     for (int key : keyFrames) {
-        const auto found = std::lower_bound(frames_.begin(), frames_.end(), static_cast<unsigned>(key));
+        const auto found =
+            std::lower_bound(frames_.begin(), frames_.end(), static_cast<unsigned>(key));
         if (key >= 0 && found != frames_.end() && *found == static_cast<unsigned>(key))
             marked.push_back(static_cast<int>(found - frames_.begin()));
     }
@@ -69,7 +70,8 @@ void FrameSlider::paintEvent(QPaintEvent* event) {
         const int x = groove.x() + handle.width() / 2 +
                       QStyle::sliderPositionFromValue(minimum(), maximum(), index, span);
         const int y = height() - kMarkSize - 1;
-        const QPoint triangle[3] = {{x, y}, {x - kMarkSize, y + kMarkSize}, {x + kMarkSize, y + kMarkSize}};
+        const QPoint triangle[3] = {
+            {x, y}, {x - kMarkSize, y + kMarkSize}, {x + kMarkSize, y + kMarkSize}};
         painter.drawPolygon(triangle, 3);
     }
 }

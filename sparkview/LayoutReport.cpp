@@ -30,8 +30,8 @@ void writeLayoutReport(MainWindow& window, int settledCount) {
     report["settled"] = settledCount;
     report["viewer"] = rectOf(&viewer);
     report["scale"] = g.scale();
-    report["topLeftPixel"] = QJsonArray{viewerAt.x() + corner.x,
-                                        viewerAt.y() + (g.viewerHeight() - 1 - corner.y)};
+    report["topLeftPixel"] =
+        QJsonArray{viewerAt.x() + corner.x, viewerAt.y() + (g.viewerHeight() - 1 - corner.y)};
     report["shown"] = viewer.showingInput() ? "input" : "result";
     report["dirty"] = window.dirty();
     QJsonObject widgets;

@@ -4,8 +4,8 @@
 #include <unistd.h>
 
 #include <QAction>
-#include <QCoreApplication>
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -29,6 +29,7 @@
 namespace {
 const char kProgram[] = "sparkview";
 const int kMessageMilliseconds = 8000;
+const int kPanelWidth = 380;
 const char kUnsavedQuestion[] =
     "The set-up has changes that are not saved. Save them before quitting?\n\n"
     "The drawn lines go with the plug-in when it is unloaded: a set-up holds control values "
@@ -42,8 +43,8 @@ MainWindow::MainWindow(const RunOptions& options, QWidget* parent)
     showError = [this](const QString& text) { QMessageBox::critical(this, kProgram, text); };
     askUnsaved = [this](const QString& question) {
         const auto answer = QMessageBox::question(
-            this, kProgram, question, QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
-            QMessageBox::Save);
+            this, kProgram, question,
+            QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
         return answer == QMessageBox::Save      ? UnsavedAnswer::Save
                : answer == QMessageBox::Discard ? UnsavedAnswer::Discard
                                                 : UnsavedAnswer::Cancel;
@@ -68,6 +69,7 @@ MainWindow::MainWindow(const RunOptions& options, QWidget* parent)
     split->addWidget(panel_);
     split->setStretchFactor(0, 3);
     split->setStretchFactor(1, 1);
+    panel_->setMinimumWidth(kPanelWidth);
     setCentralWidget(split);
     shownLabel_ = new QLabel("Result");
     statusBar()->addPermanentWidget(shownLabel_);
@@ -96,7 +98,8 @@ void MainWindow::makeMenus() {
 void MainWindow::makeFileMenu() {
     QMenu* file = menuBar()->addMenu("&File");
     file->addAction("&Open...", QKeySequence::Open, this, [this] {
-        const QString name = QFileDialog::getOpenFileName(this, "Open an image or a frame of a sequence");
+        const QString name =
+            QFileDialog::getOpenFileName(this, "Open an image or a frame of a sequence");
         if (!name.isEmpty()) openImage(name);
     });
     file->addAction("&Load Set-up...", this, [this] {
@@ -104,11 +107,13 @@ void MainWindow::makeFileMenu() {
                                                           "Set-ups (*.setup);;All files (*)");
         if (!name.isEmpty()) loadSetupFrom(name);
     });
-    file->addAction("&Save Set-up", QKeySequence(Qt::CTRL | Qt::Key_S), this, [this] { saveSetup(); });
+    file->addAction("&Save Set-up", QKeySequence(Qt::CTRL | Qt::Key_S), this,
+                    [this] { saveSetup(); });
     file->addAction("Save Set-up &As...", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), this,
                     [this] { saveSetupAs(); });
     file->addSeparator();
-    file->addAction("&Render...", QKeySequence(Qt::CTRL | Qt::Key_R), this, [this] { chooseRender(); });
+    file->addAction("&Render...", QKeySequence(Qt::CTRL | Qt::Key_R), this,
+                    [this] { chooseRender(); });
     file->addSeparator();
     file->addAction("&Quit", QKeySequence(Qt::CTRL | Qt::Key_Q), this, [this] { close(); });
 }
@@ -140,7 +145,8 @@ void MainWindow::pressButtonNamed(const char* name) {
 
 void MainWindow::connectWorker() {
     SessionWorker* w = worker_.get();
-    connect(w, &SessionWorker::pluginLoaded, this, [this] { panel_->build(worker_->descriptions()); });
+    connect(w, &SessionWorker::pluginLoaded, this,
+            [this] { panel_->build(worker_->descriptions()); });
     connect(w, &SessionWorker::pagesTitled, panel_, &ControlsPanel::setPageTitles);
     connect(w, &SessionWorker::opened, this, &MainWindow::onOpened);
     connect(w, &SessionWorker::frameReady, viewer_, &ViewerWidget::setFrames);
@@ -167,8 +173,10 @@ void MainWindow::connectWorker() {
     connect(viewer_, &ViewerWidget::pointerEvent, w, &SessionWorker::pointer);
     connect(viewer_, &ViewerWidget::viewChanged, w, &SessionWorker::setView);
     connect(viewer_, &ViewerWidget::stepFrame, this, &MainWindow::stepFrame);
-    connect(viewer_, &ViewerWidget::shownChanged, this,
-            [this](bool input) { shownLabel_->setText(input ? "Input" : "Result"); });
+    connect(viewer_, &ViewerWidget::shownChanged, this, [this](bool input) {
+        shownLabel_->setText(input ? "Input" : "Result");
+        worker_->setView(viewer_->placement());  // reported settled once drawn
+    });
     connect(viewer_, &ViewerWidget::glFailed, this, [this](const QString& why) { showError(why); });
     connect(slider_, &QSlider::valueChanged, this, [this] {
         frameLabel_->setText(QString("Frame %1").arg(slider_->frame()));
@@ -201,7 +209,8 @@ void MainWindow::onValues(const std::vector<ControlValue>& values, bool dirty, b
     updateTitle();
 }
 
-void MainWindow::onOpened(const QString& name, const std::vector<unsigned>& frames, unsigned frame) {
+void MainWindow::onOpened(const QString& name, const std::vector<unsigned>& frames,
+                          unsigned frame) {
     imageName_ = name;
     slider_->setFrames(frames);
     slider_->setFrame(frame);
@@ -253,37 +262,43 @@ void MainWindow::renderTo(const QString& output) {
     const RunStatus named = checkSequenceOutput(frames.size(), output.toStdString());
     if (!named.ok()) return showError(QString::fromStdString(named.message));
     if (render_->running()) return showError("A render is running.");
-    renderSetup_ = QDir::temp().filePath(QString(".sparkview-render-%1-%2.setup")
-                                             .arg(getpid())
-                                             .arg(QRandomGenerator::global()->generate(), 8, 16,
-                                                  QChar('0')));
+    renderSetup_ =
+        QDir::temp().filePath(QString(".sparkview-render-%1-%2.setup")
+                                  .arg(getpid())
+                                  .arg(QRandomGenerator::global()->generate(), 8, 16, QChar('0')));
     worker_->saveSetup(renderSetup_, false);
-    progress_ = new QProgressDialog("Rendering " + output, "Cancel", 0, static_cast<int>(frames.size()), this);
+    progress_ = new QProgressDialog("Rendering " + output, "Cancel", 0,
+                                    static_cast<int>(frames.size()), this);
     progress_->setWindowModality(Qt::WindowModal);
     progress_->setMinimumDuration(0);
     progress_->setValue(0);
     connect(progress_, &QProgressDialog::canceled, render_, &RenderJob::cancel);
-    connect(render_, &RenderJob::progressed, progress_, [this](int done, int) { progress_->setValue(done); });
-    connect(render_, &RenderJob::finished, this, [this, output](bool ok, int code, const QString& errors, bool cancelled) {
-        QFile::remove(renderSetup_);
-        renderSetup_.clear();
-        progress_->deleteLater();
-        progress_ = nullptr;
-        render_->disconnect(this);
-        if (cancelled)
-            statusBar()->showMessage("Render cancelled; no partial frame was left", kMessageMilliseconds);
-        else if (ok)
-            statusBar()->showMessage("Rendered " + output, kMessageMilliseconds);
-        else
-            showError(QString("The render failed (sparkrun exit %1):\n%2").arg(code).arg(errors));
-        emit renderFinished(ok);
-    });
+    connect(render_, &RenderJob::progressed, progress_,
+            [this](int done, int) { progress_->setValue(done); });
+    connect(render_, &RenderJob::finished, this,
+            [this, output](bool ok, int code, const QString& errors, bool cancelled) {
+                QFile::remove(renderSetup_);
+                renderSetup_.clear();
+                progress_->deleteLater();
+                progress_ = nullptr;
+                render_->disconnect(this);
+                if (cancelled)
+                    statusBar()->showMessage("Render cancelled; no partial frame was left",
+                                             kMessageMilliseconds);
+                else if (ok)
+                    statusBar()->showMessage("Rendered " + output, kMessageMilliseconds);
+                else
+                    showError(
+                        QString("The render failed (sparkrun exit %1):\n%2").arg(code).arg(errors));
+                emit renderFinished(ok);
+            });
     // The set-up is written on the plug-in's thread first; sparkrun starts once it is.
-    connect(worker_.get(), &SessionWorker::setupSaved, render_, [this, output, frames](const QString& path) {
-        if (path != renderSetup_) return;
-        disconnect(worker_.get(), &SessionWorker::setupSaved, render_, nullptr);
-        render_->start(path, imageName_, output, frames);
-    });
+    connect(worker_.get(), &SessionWorker::setupSaved, render_,
+            [this, output, frames](const QString& path) {
+                if (path != renderSetup_) return;
+                disconnect(worker_.get(), &SessionWorker::setupSaved, render_, nullptr);
+                render_->start(path, imageName_, output, frames);
+            });
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -92,31 +92,56 @@ void call(F fn, Args... args) {
 void replayOne(const GlCommand& c, const simhost::GlForward& gl) {
     const double* a = c.a;
     switch (c.op) {
-        case C::Begin: return call(gl.begin, u(a[0]));
-        case C::End: return call(gl.end);
-        case C::Vertex2f: return call(gl.vertex2f, f(a[0]), f(a[1]));
-        case C::Vertex2i: return call(gl.vertex2i, i(a[0]), i(a[1]));
-        case C::Vertex3f: return call(gl.vertex3f, f(a[0]), f(a[1]), f(a[2]));
-        case C::Color3f: return call(gl.color3f, f(a[0]), f(a[1]), f(a[2]));
-        case C::Color4f: return call(gl.color4f, f(a[0]), f(a[1]), f(a[2]), f(a[3]));
-        case C::Color3us: return call(gl.color3us, us(a[0]), us(a[1]), us(a[2]));
-        case C::Color4us: return call(gl.color4us, us(a[0]), us(a[1]), us(a[2]), us(a[3]));
-        case C::LoadIdentity: return call(gl.loadIdentity);
-        case C::Translatef: return call(gl.translatef, f(a[0]), f(a[1]), f(a[2]));
-        case C::Scalef: return call(gl.scalef, f(a[0]), f(a[1]), f(a[2]));
-        case C::PushMatrix: return call(gl.pushMatrix);
-        case C::PopMatrix: return call(gl.popMatrix);
-        case C::MatrixMode: return call(gl.matrixMode, u(a[0]));
-        case C::Ortho: return call(gl.ortho, a[0], a[1], a[2], a[3], a[4], a[5]);
-        case C::Viewport: return call(gl.viewport, i(a[0]), i(a[1]), i(a[2]), i(a[3]));
-        case C::Flush: return call(gl.flush);
-        case C::LineWidth: return call(gl.lineWidth, f(a[0]));
-        case C::PointSize: return call(gl.pointSize, f(a[0]));
-        case C::Enable: return call(gl.enable, u(a[0]));
-        case C::Disable: return call(gl.disable, u(a[0]));
-        case C::BlendFunc: return call(gl.blendFunc, u(a[0]), u(a[1]));
-        case C::LineStipple: return call(gl.lineStipple, i(a[0]), us(a[1]));
-        case C::RasterPos2f: return call(gl.rasterPos2f, f(a[0]), f(a[1]));
+        case C::Begin:
+            return call(gl.begin, u(a[0]));
+        case C::End:
+            return call(gl.end);
+        case C::Vertex2f:
+            return call(gl.vertex2f, f(a[0]), f(a[1]));
+        case C::Vertex2i:
+            return call(gl.vertex2i, i(a[0]), i(a[1]));
+        case C::Vertex3f:
+            return call(gl.vertex3f, f(a[0]), f(a[1]), f(a[2]));
+        case C::Color3f:
+            return call(gl.color3f, f(a[0]), f(a[1]), f(a[2]));
+        case C::Color4f:
+            return call(gl.color4f, f(a[0]), f(a[1]), f(a[2]), f(a[3]));
+        case C::Color3us:
+            return call(gl.color3us, us(a[0]), us(a[1]), us(a[2]));
+        case C::Color4us:
+            return call(gl.color4us, us(a[0]), us(a[1]), us(a[2]), us(a[3]));
+        case C::LoadIdentity:
+            return call(gl.loadIdentity);
+        case C::Translatef:
+            return call(gl.translatef, f(a[0]), f(a[1]), f(a[2]));
+        case C::Scalef:
+            return call(gl.scalef, f(a[0]), f(a[1]), f(a[2]));
+        case C::PushMatrix:
+            return call(gl.pushMatrix);
+        case C::PopMatrix:
+            return call(gl.popMatrix);
+        case C::MatrixMode:
+            return call(gl.matrixMode, u(a[0]));
+        case C::Ortho:
+            return call(gl.ortho, a[0], a[1], a[2], a[3], a[4], a[5]);
+        case C::Viewport:
+            return call(gl.viewport, i(a[0]), i(a[1]), i(a[2]), i(a[3]));
+        case C::Flush:
+            return call(gl.flush);
+        case C::LineWidth:
+            return call(gl.lineWidth, f(a[0]));
+        case C::PointSize:
+            return call(gl.pointSize, f(a[0]));
+        case C::Enable:
+            return call(gl.enable, u(a[0]));
+        case C::Disable:
+            return call(gl.disable, u(a[0]));
+        case C::BlendFunc:
+            return call(gl.blendFunc, u(a[0]), u(a[1]));
+        case C::LineStipple:
+            return call(gl.lineStipple, i(a[0]), us(a[1]));
+        case C::RasterPos2f:
+            return call(gl.rasterPos2f, f(a[0]), f(a[1]));
     }
 }
 }  // namespace

@@ -26,19 +26,23 @@ QString RenderJob::sparkrunPath() {
     return QDir(QCoreApplication::applicationDirPath()).filePath("sparkrun");
 }
 
-QStringList RenderJob::arguments(const QString& setup, const QString& input,
-                                 const QString& output,
+QStringList RenderJob::arguments(const QString& setup, const QString& input, const QString& output,
                                  const std::vector<unsigned>& frames) const {
     QStringList args;
     if (!options_.pluginPath.empty())
-        args << "--plugin" << QFileInfo(QString::fromStdString(options_.pluginPath)).absoluteFilePath();
+        args << "--plugin"
+             << QFileInfo(QString::fromStdString(options_.pluginPath)).absoluteFilePath();
     args << "--setup" << setup;
-    if (!frames.empty()) args << "--frames" << QString("%1-%2").arg(frames.front()).arg(frames.back());
+    if (!frames.empty())
+        args << "--frames" << QString("%1-%2").arg(frames.front()).arg(frames.back());
     if (options_.processors) args << "--threads" << QString::number(options_.processors);
     if (options_.depth) args << "--depth" << (options_.depth == kHostDepth8 ? "8" : "12");
-    if (options_.floatEncoding == FloatEncoding::Log) args << "--float-encoding" << "log";
+    if (options_.floatEncoding == FloatEncoding::Log)
+        args << "--float-encoding"
+             << "log";
     if (options_.maxMemory) args << "--max-memory" << QString::number(options_.maxMemory);
-    args << "--verbose" << "--" << input << output;
+    args << "--verbose"
+         << "--" << input << output;
     return args;
 }
 

@@ -31,7 +31,8 @@ std::string text(const char* title) { return title ? title : ""; }
 void fillTitles(const Control& control, ControlDescription* d) {
     if (control.kind == ControlKind::Menu) {
         const auto* record = static_cast<SparkPupStruct*>(control.record);
-        for (size_t i = 0; i < control.entries.size(); ++i) d->titles.push_back(text(record->Titles[i]));
+        for (size_t i = 0; i < control.entries.size(); ++i)
+            d->titles.push_back(text(record->Titles[i]));
     } else if (control.kind == ControlKind::Button) {
         d->title = text(static_cast<SparkPushStruct*>(control.record)->Title);
     } else if (control.kind == ControlKind::Check) {
@@ -109,7 +110,8 @@ void SessionWorker::runJob(Job& job) {
     } catch (const std::bad_alloc&) {
         check(RunStatus::failure(ExitCode::Memory, "out of memory: an allocation failed"));
     } catch (const std::exception& error) {
-        check(RunStatus::failure(ExitCode::Internal, std::string("internal error: ") + error.what()));
+        check(
+            RunStatus::failure(ExitCode::Internal, std::string("internal error: ") + error.what()));
     }
     if (loaded_) publish(step);
 }
@@ -201,7 +203,8 @@ void SessionWorker::begin() {
         loaded_ = true;
     });
     if (!options_.files.empty())
-        open(QString::fromStdString(options_.files.front()), QString::fromStdString(options_.frames));
+        open(QString::fromStdString(options_.files.front()),
+             QString::fromStdString(options_.frames));
 }
 
 void SessionWorker::open(const QString& name, const QString& frames) {
@@ -260,12 +263,11 @@ void SessionWorker::press(size_t control) {
 }
 
 void SessionWorker::toggleKey(size_t control) {
-    post(kOnce,
-         [this, control](StepResult& step) { check(session_->toggleKey(control, &step)); });
+    post(kOnce, [this, control](StepResult& step) { check(session_->toggleKey(control, &step)); });
 }
 
-void SessionWorker::pointer(PointerEvent event, const ViewPlacement& view, int sx, int sy,
-                            float x, float y, float pressure) {
+void SessionWorker::pointer(PointerEvent event, const ViewPlacement& view, int sx, int sy, float x,
+                            float y, float pressure) {
     // Back-to-back moves, or drags, replace each other; presses and releases never.
     const int replaces = event == PointerEvent::Move   ? kMove
                          : event == PointerEvent::Drag ? kDrag

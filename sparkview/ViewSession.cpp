@@ -35,7 +35,8 @@ std::vector<char> writable(const std::string& text) {
 }
 
 float* floatValue(const Control& control) {
-    if (control.recordKind == "UserFloat") return &static_cast<SparkUserFloatStruct*>(control.record)->Value;
+    if (control.recordKind == "UserFloat")
+        return &static_cast<SparkUserFloatStruct*>(control.record)->Value;
     return &static_cast<SparkFloatStruct*>(control.record)->Value;
 }
 
@@ -216,8 +217,8 @@ void ViewSession::takeReturned(unsigned long* returned, StepResult* step) {
         simhost::FrameBuffer& buffer = host.buffers[id];
         if (returned == buffer.storage.data() && buffer.width == session_->width() &&
             buffer.height == session_->height() && buffer.depth == session_->depth()) {
-            step->result = displayFromHostBuffer(buffer.bytes(), buffer.width, buffer.height,
-                                                 buffer.depth);
+            step->result =
+                displayFromHostBuffer(buffer.bytes(), buffer.width, buffer.height, buffer.depth);
             step->result.frame = frame_;
             step->frameChanged = true;
             return;
@@ -300,8 +301,8 @@ RunStatus ViewSession::pointer(const ViewPlacement& view, int sx, int sy, float 
     {
         CrashContext during("in the plug-in's SparkInteract");
         PluginConsole console(options_.quiet);
-        returned = session_->plugin().interact(info(&view), sx, sy, pressure, x, y,
-                                               view.zoomArgument);
+        returned =
+            session_->plugin().interact(info(&view), sx, sy, pressure, x, y, view.zoomArgument);
     }
     takeReturned(returned, step);
     finishStep(step);

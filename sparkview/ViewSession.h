@@ -90,8 +90,8 @@ class ViewSession {
     // One pointer event at screen point (sx, sy) = frame point (x, y) with
     // the pen pressure (0: no button). *valuesMoved tells whether a control
     // value changed (a dragged centre) without the plug-in rendering.
-    RunStatus pointer(const ViewPlacement& view, int sx, int sy, float x, float y,
-                      float pressure, StepResult* step, bool* valuesMoved);
+    RunStatus pointer(const ViewPlacement& view, int sx, int sy, float x, float y, float pressure,
+                      StepResult* step, bool* valuesMoved);
     GlCommands overlay(const ViewPlacement& view);
 
     std::vector<ControlValue> values() const;

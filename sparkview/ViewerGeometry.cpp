@@ -16,8 +16,8 @@ void ViewerGeometry::setFrameSize(int width, int height) {
 
 void ViewerGeometry::centre() {
     // Frame centre ((w - 1) / 2, (h - 1) / 2) on the viewer's centre pixel.
-    originX_ = static_cast<int>(
-        std::lround((viewerWidth_ - 1) / 2.0 - (frameWidth_ - 1) / 2.0 * scale_));
+    originX_ =
+        static_cast<int>(std::lround((viewerWidth_ - 1) / 2.0 - (frameWidth_ - 1) / 2.0 * scale_));
     originY_ = static_cast<int>(
         std::lround((viewerHeight_ - 1) / 2.0 - (frameHeight_ - 1) / 2.0 * scale_));
 }

@@ -41,7 +41,8 @@ std::string libraryOf(const void* function) {
 template <class F>
 bool resolve(QOpenGLContext* context, const char* name, F& out, QString* missing) {
     out = reinterpret_cast<F>(context->getProcAddress(name));
-    static const std::string host = libraryOf(reinterpret_cast<const void*>(&simhost::setGlForward));
+    static const std::string host =
+        libraryOf(reinterpret_cast<const void*>(&simhost::setGlForward));
     if (out && libraryOf(reinterpret_cast<const void*>(out)) == host) out = nullptr;
     if (!out && missing->isEmpty()) *missing = name;
     return out != nullptr;
@@ -108,8 +109,9 @@ void ViewerWidget::initializeGL() {
     QOpenGLContext* context = QOpenGLWidget::context();
     gl_ = context ? QOpenGLVersionFunctionsFactory::get<QOpenGLFunctions_2_1>(context) : nullptr;
     if (!gl_ || context->isOpenGLES()) {
-        glError_ = "no OpenGL 2.1 with the compatibility profile (the plug-in draws in immediate "
-                   "mode)";
+        glError_ =
+            "no OpenGL 2.1 with the compatibility profile (the plug-in draws in immediate "
+            "mode)";
     } else {
         const QString missing = resolveAll(context, real_);
         if (!missing.isEmpty()) glError_ = "OpenGL lacks the entry point " + missing;
@@ -144,8 +146,8 @@ void ViewerWidget::placementChanged() {
 
 void ViewerWidget::setFrames(std::shared_ptr<const DisplayFrame> result,
                              std::shared_ptr<const DisplayFrame> input) {
-    const bool resized = !result_ || result_->width != result->width ||
-                         result_->height != result->height;
+    const bool resized =
+        !result_ || result_->width != result->width || result_->height != result->height;
     result_ = std::move(result);
     input_ = std::move(input);
     textureStale_ = true;
@@ -268,7 +270,8 @@ ScreenPoint ViewerWidget::screenOf(const QPointF& position) const {
     const double ratio = devicePixelRatioF();
     const double deviceHeight = std::floor(height() * ratio);
     // Qt's rows run down from the top; the viewer's screen pixels up from the bottom.
-    return {std::floor(position.x() * ratio), deviceHeight - 1.0 - std::floor(position.y() * ratio)};
+    return {std::floor(position.x() * ratio),
+            deviceHeight - 1.0 - std::floor(position.y() * ratio)};
 }
 
 void ViewerWidget::sendPointer(SessionWorker::PointerEvent event, const QPointF& position,

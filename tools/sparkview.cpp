@@ -58,6 +58,7 @@ int main(int argc, char** argv) {
     try {
         return runWindow(argc, argv, options);
     } catch (const std::exception& error) {
-        return failure(RunStatus::failure(ExitCode::Internal, std::string("internal error: ") + error.what()));
+        return failure(
+            RunStatus::failure(ExitCode::Internal, std::string("internal error: ") + error.what()));
     }
 }

@@ -142,8 +142,9 @@ RunStatus overlayName(const RunOptions& options) {
 }
 
 const std::vector<Rule>& rules() {
-    static const std::vector<Rule> all = {oneMode,        setupNames,  viewerProgram, viewerNeedsImages,
-                                          modeFiles,      namesAndFrames, logEncoding, overlayName};
+    static const std::vector<Rule> all = {oneMode,           setupNames, viewerProgram,
+                                          viewerNeedsImages, modeFiles,  namesAndFrames,
+                                          logEncoding,       overlayName};
     return all;
 }
 }  // namespace
