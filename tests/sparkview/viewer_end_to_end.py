@@ -218,7 +218,8 @@ def main():
         assert got["Float 6"] != "0", "AutoFind fitted Radial1"
         compare_overlay(s, report, reference + "-overlay.ppm")
         s.xdo("key", "ctrl+q")
-        assert s.view.wait(timeout=30) == 0
+        code = s.view.wait(timeout=30)
+        assert code == 0, "sparkview ended with %d: %s" % (code, s.view.stderr.read()[-4000:])
     finally:
         s.close()
     print("1 passed, 0 failed")
