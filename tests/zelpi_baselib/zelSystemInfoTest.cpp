@@ -7,6 +7,7 @@
 #include <sys/utsname.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <regex>
 #include <thread>
 
@@ -56,7 +57,8 @@ TEST(ZelSystemInfo, SchedulingClassesActOnTheCallingThread) {
     const int normal = niceOfThisThread();
     std::thread worker([normal] {
         EXPECT_EQ(zelmp_schedule_low(), 0);
-        EXPECT_EQ(niceOfThisThread(), normal + 10);
+        // Nice values stop at 19, so a test run already niced ends there.
+        EXPECT_EQ(niceOfThisThread(), std::min(normal + 10, 19));
         // Going back up needs the privilege to raise priority.
         if (geteuid() == 0) {
             EXPECT_EQ(zelmp_schedule_normal(), 0);
