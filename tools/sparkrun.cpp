@@ -13,6 +13,7 @@
 #include "ControlsRun.h"
 #include "FrameLoop.h"
 #include "ImageFiles.h"
+#include "LineDetectionRun.h"
 #include "OptionRules.h"
 #include "OutputNames.h"
 #include "PictureUtilities.h"
@@ -40,6 +41,8 @@ RunStatus run(RunOptions& options, time_t runStart) {
             return runCompare(options);
         case RunMode::TraceChart:
             return runTraceChart(options);
+        case RunMode::DetectLines:
+            return runDetectLines(options);
         case RunMode::ListControls:
             return runControlsOnly(options, plugin);
         case RunMode::Process:

@@ -133,8 +133,8 @@ RunStatus LineDetectionPool::select(const std::string& what, LinesFound* found) 
         return RunStatus::failure(
             ExitCode::Input,
             "no usable straight line found in " + what +
-                " (it needs long, sharp edges of things straight in the world: it is flat, "
-                "noise, foliage or out of focus)");
+                " (a line is a long, sharp edge of something straight in the world; flat, noisy, "
+                "foliage-only and out-of-focus pictures have none)");
     return RunStatus::success();
 }
 

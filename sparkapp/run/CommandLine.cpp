@@ -71,6 +71,12 @@ void addModes(CLI::App& app, RunOptions& options) {
 }
 
 void addUtilityOptions(CLI::App& app, RunOptions& options) {
+    addValue(app, "--detect-lines", [&options](const std::string& value) {
+        options.detectLinesPath = value;
+        options.modeOptions.push_back("--detect-lines");
+        if (options.mode == RunMode::Process) options.mode = RunMode::DetectLines;
+    });
+    addText(app, "--detect-frames", options.detectFrames);
     addValue(app, "--size", [&options](const std::string& value) {
         if (!parseSize(value, &options.chartWidth, &options.chartHeight) ||
             options.chartWidth < 1 || options.chartHeight < 1)

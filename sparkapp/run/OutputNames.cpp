@@ -15,6 +15,8 @@ std::string outputOf(const RunOptions& options) {
             return options.files.size() == 3 ? options.files[2] : "";
         case RunMode::TraceChart:
             return options.files.size() == 2 ? options.files[1] : "";
+        case RunMode::DetectLines:
+            return options.detectLinesPath;
         default:
             return "";
     }

@@ -12,7 +12,16 @@
 
 #include "FloatEncoding.h"
 
-enum class RunMode { Process, ListControls, MakeChart, SideBySide, Compare, TraceChart, Help };
+enum class RunMode {
+    Process,
+    ListControls,
+    MakeChart,
+    SideBySide,
+    Compare,
+    TraceChart,
+    DetectLines,
+    Help
+};
 
 struct RunOptions {
     RunMode mode = RunMode::Process;
@@ -36,6 +45,10 @@ struct RunOptions {
     int chartWidth = 0;  // 0: the default chart size
     int chartHeight = 0;
     double marginPercent = 10.0;
+
+    // Automatic lines: --lines auto finds them in the input (LineDetectionRun.h).
+    std::string detectLinesPath;  // --detect-lines: the lines file written
+    std::string detectFrames;     // --detect-frames: the frames searched
 
     // --lines, --autofind or --overlay: work in the plug-in's viewer.
     bool viewerWork() const { return !linesPath.empty() || autoFind || !overlayPath.empty(); }
