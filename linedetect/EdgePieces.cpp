@@ -18,6 +18,13 @@ const double kSobelNoiseGain = 0.433;
 const double kPi = 3.14159265358979323846;
 // Every how many points a piece's blur and surroundings are sampled.
 const std::size_t kSampleEvery = 3;
+// Edge dropped at each end of a piece, in pixels and per pixel of the
+// pre-blur's sigma: corners and junctions round the ends.
+const double kEndTrim = 2.0;
+const double kEndTrimPerSigma = 2.0;
+// Points this near the frame's border (plus so much per sigma) are left out.
+const double kBorderMargin = 2.0;
+const double kBorderPerSigma = 2.0;
 
 float bilinear(const FloatImageZel& image, double x, double y) {
     x = std::clamp(x, 0.0, image.width() - 1.0);
@@ -104,26 +111,35 @@ struct Splitter {
         out.pieces.push_back(std::move(piece));
     }
 
-    // Cuts points[first .. last] until each part fits.
+    // Cuts the chain's points until each part fits; the parts kept lose a
+    // little edge at each end.
     void split(const EdgeChain& chain, const Polyline& points) {
+        std::vector<double> travelled(points.size(), 0.0);
+        for (std::size_t i = 1; i < points.size(); ++i)
+            travelled[i] = travelled[i - 1] +
+                           std::hypot(points[i].x - points[i - 1].x, points[i].y - points[i - 1].y);
+        const double trim = kEndTrim + kEndTrimPerSigma * settings.cannySigma;
         std::vector<std::pair<std::size_t, std::size_t>> pending = {{0, points.size() - 1}};
         while (!pending.empty()) {
-            const auto [first, last] = pending.back();
+            auto [first, last] = pending.back();
             pending.pop_back();
             if (last < first + 2 ||
-                std::hypot(points[last].x - points[first].x, points[last].y - points[first].y) <
-                    settings.minPieceLength) {
+                travelled[last] - travelled[first] < settings.minPieceLength + 2.0 * trim) {
                 ++out.shortPieces;
                 continue;
             }
             const PieceFit fit = fitPiece(points.data(), first, last);
-            if (fit.maxResidual <= settings.pieceTolerance) {
-                keep(chain, points, first, last, fit);
+            if (fit.maxResidual > settings.pieceTolerance) {
+                const std::size_t cut = farthestFromChord(points, first, last);
+                pending.push_back({cut + 1, last});
+                pending.push_back({first, cut});
                 continue;
             }
-            const std::size_t cut = farthestFromChord(points, first, last);
-            pending.push_back({cut + 1, last});
-            pending.push_back({first, cut});
+            // Corners and junctions round the last pixels of a piece's ends.
+            const double start = travelled[first], end = travelled[last];
+            while (travelled[first] - start < trim) ++first;
+            while (end - travelled[last] < trim) --last;
+            keep(chain, points, first, last, fitPiece(points.data(), first, last));
         }
     }
 
@@ -178,15 +194,33 @@ bool findEdgePieces(const FloatImageZel& luminance, const LineDetectSettings& se
     Splitter splitter{luminance, edges, settings, settings.minRadiusInHalfDiagonals * halfDiagonal,
                       out};
     Polyline points;
-    for (const EdgeChain& chain : chainEdges(edges)) {
-        if (chain.size() < 3) {
-            ++out.shortPieces;
-            continue;
+    // Near the frame's border the blur sees replicated pixels, which pulls
+    // edges: chains are cut where they come that near.
+    const double border = kBorderMargin + kBorderPerSigma * settings.cannySigma;
+    auto inside = [&](const ZelEdgePoint& p) {
+        return p.x >= border && p.y >= border && p.x <= out.width - 1 - border &&
+               p.y <= out.height - 1 - border;
+    };
+    EdgeChain run;
+    auto flush = [&] {
+        if (run.size() < 3) {
+            if (!run.empty()) ++out.shortPieces;
+        } else {
+            points.resize(run.size());
+            for (std::size_t i = 0; i < run.size(); ++i)
+                points[i] = {edges.points[run[i]].x, edges.points[run[i]].y};
+            splitter.split(run, points);
         }
-        points.resize(chain.size());
-        for (std::size_t i = 0; i < chain.size(); ++i)
-            points[i] = {edges.points[chain[i]].x, edges.points[chain[i]].y};
-        splitter.split(chain, points);
+        run.clear();
+    };
+    for (const EdgeChain& chain : chainEdges(edges)) {
+        for (int i : chain) {
+            if (inside(edges.points[i]))
+                run.push_back(i);
+            else
+                flush();
+        }
+        flush();
     }
     return true;
 }

@@ -28,6 +28,9 @@ struct LineDetectSettings {
     // agrees with it, and a line within lineTolerance is kept.
     double pieceTolerancePx = 0.7;
     double lineTolerance = 0.9;
+    // A line closer than lineTolerance but further than bendTolerance is an
+    // outlier still when it is clearly bent rather than noisy.
+    double bendTolerance = 0.15;
     // Merging: pieces whose corrected lines lie within mergeDistance of each
     // other (at their ends) and at most maxGapInDiagonals apart.
     double mergeDistance = 1.5;

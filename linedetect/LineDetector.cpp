@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "LineSampling.h"
+#include "PieceFit.h"
 #include "PieceMerging.h"
 #include "RadialConsensus.h"
 #include "RadialModel.h"
@@ -15,6 +16,7 @@ const double kClusterDegrees = 3.0;
 const double kPi = 3.14159265358979323846;
 // A cluster is this many close parallel lines or more.
 const std::size_t kClusterSize = 3;
+const double kBendFactor = 2.5;
 
 struct CandidateLine {
     int frame = 0;
@@ -76,6 +78,20 @@ struct Selection {
         result.rejected.push_back({points(line, settings.sampleStep), why, measure});
     }
 
+    // Straightened with the model, the line is not straight: further than
+    // the tolerance from a straight line, or clearly bent (a quadratic
+    // follows it kBendFactor times closer than a straight line does).
+    bool disagrees(const CandidateLine& line, double rms) const {
+        if (rms > settings.lineTolerance) return true;
+        if (rms <= settings.bendTolerance) return false;
+        Polyline joined;
+        for (int i : line.pieces) {
+            const Polyline s = straightened(frames[line.frame].pieces[i].points, geometry, k1, k2);
+            joined.insert(joined.end(), s.begin(), s.end());
+        }
+        return rms > kBendFactor * fitPiece(joined.data(), 0, joined.size() - 1).rms;
+    }
+
     std::vector<CandidateLine> linesThatCount();
     void dropClusters(std::vector<CandidateLine>& kept);
     void write(const std::vector<CandidateLine>& kept);
@@ -109,7 +125,7 @@ std::vector<CandidateLine> Selection::linesThatCount() {
             reject(line, LineRejection::kTextured, line.edgeShare);
         } else {
             const double rms = std::sqrt(line.moments.meanSquare(geometry, k1, k2));
-            if (rms > settings.lineTolerance)
+            if (disagrees(line, rms))
                 reject(line, LineRejection::kOutlier, rms);
             else
                 kept.push_back(std::move(line));
