@@ -157,6 +157,14 @@ void chart(Scene& s, Random& rnd) {
                                    {cell, 0, 0}, {0, cell, 0}, v, v, v));
         }
     s.quads.push_back(quad({-6, -4, 0.01}, {12, 0, 0}, {0, 8, 0}, 0.5f, 0.5f, 0.5f));
+    // The rows and columns of the board.
+    const double left = -columns / 2.0 * cell, bottom = -rows / 2.0 * cell;
+    for (int r = 0; r <= rows; ++r)
+        s.straightEdges.push_back(
+            {{left, bottom + r * cell, 0}, {left + columns * cell, bottom + r * cell, 0}});
+    for (int c = 0; c <= columns; ++c)
+        s.straightEdges.push_back(
+            {{left + c * cell, bottom, 0}, {left + c * cell, bottom + rows * cell, 0}});
     s.camera.eye = {rnd.between(-0.3, 0.3), rnd.between(-0.2, 0.2), -5.0};
     s.camera.yaw = rnd.between(-8, 8);
     s.camera.pitch = rnd.between(-6, 6);
@@ -191,7 +199,14 @@ bool buildScene(const std::string& kind, unsigned seed, double aspect, Scene& sc
         chart(scene, rnd);
     } else if (kind == "nature" || kind == "foliage") {
         nature(scene, rnd);
-        if (kind == "foliage") scene.camera.pitch = -10;
+        if (kind == "foliage") {
+            // A hedge filling the view: two layers of leaves.
+            for (int layer = 0; layer < 2; ++layer)
+                scene.quads.push_back(quad({-8.0 - layer, -4, 3.0 + 0.7 * layer}, {16, 0, 0},
+                                           {0, 12, 0}, 0.9f - 0.3f * layer, 1.0f - 0.3f * layer,
+                                           0.9f - 0.3f * layer, Texture::kLeaves, 3.0 + layer));
+            scene.camera.pitch = 0.0;
+        }
     } else if (kind == "flat") {
         scene.quads.push_back(quad({-100, -100, 10}, {200, 0, 0}, {0, 200, 0}, 0.5f, 0.5f, 0.5f));
     } else {
