@@ -177,9 +177,11 @@ float estimateNoise(const FloatImageZel& luminance) {
 bool findEdgePieces(const FloatImageZel& luminance, const LineDetectSettings& settings,
                     ZelEdges& edges, FramePieces& out) {
     out = FramePieces();
-    if (!luminance.hasPixels() || luminance.width() < 3 || luminance.height() < 3) return false;
+    if (!luminance.hasPixels()) return false;
     out.width = luminance.width();
     out.height = luminance.height();
+    // Too small for a 3x3 gradient: no edges, which is no failure.
+    if (out.width < 3 || out.height < 3) return true;
     const double gradientNoise = estimateNoise(luminance) * kSobelNoiseGain /
                                  (2.0 * std::sqrt(kPi) * std::max(0.5f, settings.cannySigma));
     ZelCannySettings canny;

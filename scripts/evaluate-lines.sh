@@ -81,7 +81,9 @@ distort() {
 # fit LINES IMAGE: prints "k1 k2" fitted by AutoFind, or "- -" when refused.
 fit() {
   local text
-  if text=$("$tool" --quiet --set Mode=Remove --lines "$1" --autofind "$2" "$work/fitted.jpg" 2>/dev/null); then
+  # Auto Preview off: the plug-in would render the frame again after every click.
+  if text=$("$tool" --quiet --set Mode=Remove --set "Auto Preview=off" --lines "$1" --autofind \
+      "$2" "$work/fitted.jpg" 2>/dev/null); then
     echo "$text" | sed -n 's/^autofind: Radial1=\([^ ]*\) Radial2=\([^ ]*\).*/\1 \2/p'
   else
     echo "- -"

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "CommandLine.h"
+#include "LineDetectionRun.h"
 #include "OptionRules.h"
 
 namespace {
@@ -39,8 +40,8 @@ std::string refusal(const std::vector<std::string>& words) {
 TEST(CommandLine, ValuesAndTheirRefusals) {
     RunOptions options;
     ASSERT_TRUE(check({"--depth=12", "--threads", "3", "--set", "Radial1=-0.08", "--set",
-                       "Blend=20", "--key", "Radial1@10=0.1", "--max-memory", "2G", "--depth",
-                       "8", "in.png", "--", "-out.png"},
+                       "Blend=20", "--key", "Radial1@10=0.1", "--max-memory", "2G", "--depth", "8",
+                       "in.png", "--", "-out.png"},
                       &options)
                     .ok());
     EXPECT_EQ(options.depth, 24);  // the last --depth counts
@@ -83,7 +84,8 @@ TEST(OptionRules, EachRuleWithItsMessage) {
               "set-up file name too long (at most 4095 bytes): " + longName);
     EXPECT_EQ(refusal({"--autofind", "--list-controls"}),
               "--lines, --autofind and --overlay work on an INPUT and OUTPUT");
-    EXPECT_EQ(refusal({"in.png", "out.##.##.png"}), "more than one frame number mark in out.##.##.png");
+    EXPECT_EQ(refusal({"in.png", "out.##.##.png"}),
+              "more than one frame number mark in out.##.##.png");
     EXPECT_EQ(refusal({"--frames", "5-2", "in.png", "out.#.png"}),
               "bad frame range \"5-2\": use A-B with 0 <= A <= B, or one frame");
     EXPECT_EQ(refusal({"--frames", "1-3", "in.png", "out.png"}),
@@ -114,4 +116,49 @@ TEST(OptionRules, TheOverlayOverwritesNoOtherOutput) {
     EXPECT_EQ(refusal({"--overlay", "s.setup", "--save-setup", "./s.setup", "in.png", "out.png"}),
               "--overlay s.setup is also the --save-setup file");
     std::system(("rm -rf " + std::string(folder)).c_str());
+}
+
+TEST(OptionRules, AutomaticLines) {
+    RunOptions options;
+    ASSERT_TRUE(check({"--detect-lines", "l.json", "in.png"}, &options).ok());
+    EXPECT_EQ(options.mode, RunMode::DetectLines);
+    EXPECT_EQ(options.detectLinesPath, "l.json");
+    EXPECT_EQ(options.files, (std::vector<std::string>{"in.png"}));
+    ASSERT_TRUE(check({"--lines", "auto", "--autofind", "--detect-frames", "1001,1050,1090-1100",
+                       "--frames", "1001-1100", "in.####.png", "out.####.png"},
+                      &options)
+                    .ok());
+    EXPECT_EQ(options.linesPath, "auto");
+    EXPECT_EQ(options.detectFrames, "1001,1050,1090-1100");
+    std::vector<unsigned> frames;
+    std::string error;
+    ASSERT_TRUE(parseDetectFrames("12,3-5,4", &frames, &error));
+    EXPECT_EQ(frames, (std::vector<unsigned>{3, 4, 5, 12}));  // ascending, once each
+    // Without --detect-frames: up to five frames spread evenly, first and last among them.
+    options.detectFrames.clear();
+    EXPECT_EQ(detectionFrames(options, {1, 2, 3}), (std::vector<unsigned>{1, 2, 3}));
+    std::vector<unsigned> hundred;
+    for (unsigned f = 1001; f <= 1100; ++f) hundred.push_back(f);
+    EXPECT_EQ(detectionFrames(options, hundred),
+              (std::vector<unsigned>{1001, 1025, 1050, 1075, 1100}));
+
+    EXPECT_EQ(refusal({"--detect-lines", "l.json"}), "--detect-lines LINES.json takes one INPUT");
+    EXPECT_EQ(refusal({"--detect-lines", "l.json", "a.png", "b.png"}),
+              "--detect-lines LINES.json takes one INPUT");
+    EXPECT_EQ(refusal({"--detect-lines"}), "--detect-lines needs a value");
+    EXPECT_EQ(refusal({"--detect-lines", "l.json", "--trace-chart", "a", "b"}),
+              "--detect-lines cannot be combined with another mode option");
+    EXPECT_EQ(refusal({"--detect-lines", "./in.png", "in.png"}),
+              "--detect-lines ./in.png is also the INPUT");
+    EXPECT_EQ(refusal({"--detect-lines", "l.json", "--autofind", "in.png"}),
+              "--lines, --autofind and --overlay work on an INPUT and OUTPUT");
+    EXPECT_EQ(refusal({"--detect-frames", "3", "in.png", "out.png"}),
+              "--detect-frames chooses the frames of --lines auto or --detect-lines");
+    EXPECT_EQ(refusal({"--detect-frames", "3", "--lines", "l.json", "in.png", "out.png"}),
+              "--detect-frames chooses the frames of --lines auto or --detect-lines");
+    for (const char* bad : {"x", "5-2", "1,,2", "-3", "1-", "2-3-4", "1,"})
+        EXPECT_EQ(refusal({"--detect-frames", bad, "--lines", "auto", "in.png", "out.png"}),
+                  std::string("--detect-frames takes frame numbers and ranges A-B separated by "
+                              "commas (such as 1001,1050,1090-1100), not \"") +
+                      bad + "\"");
 }
