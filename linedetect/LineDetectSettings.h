@@ -33,8 +33,8 @@ struct LineDetectSettings {
     double bendTolerance = 0.15;
     // Merging: pieces whose corrected lines lie within mergeDistance of each
     // other (at their ends) and at most maxGapInDiagonals apart.
-    double mergeDistance = 1.5;
-    double maxGapInDiagonals = 0.3;
+    double mergeDistance = 1.0;
+    double maxGapInDiagonals = 0.15;
     // Edges softer than this blur sigma are refused as out of focus.
     double maxBlur = 3.5;
     // Textured: more than this share of the pixels beside a line are edges.

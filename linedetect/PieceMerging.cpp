@@ -12,7 +12,7 @@ const double kMaxMergeDegrees = 3.0;
 // Pieces may overlap this much along the line (chains cut at a junction).
 const double kMaxOverlap = 3.0;
 // Allowed extra distance per pixel of gap: the model's own error.
-const double kDistancePerGap = 0.004;
+const double kDistancePerGap = 0.002;
 
 // Sums for a straight-line fit that add when pieces join.
 struct LineSums {
