@@ -26,6 +26,7 @@
 # usage: bash scripts/evaluate-lines.sh [--quick] [--build DIR] [--work DIR]
 #   --quick   the small subset CI runs (640x360, seconds); fails (exit 1) when
 #             a target of the subset is missed
+#   --table   only the table again, from the cases of an earlier --work DIR
 # Prints the table and writes it, with every case, to WORK/results.md.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -33,9 +34,11 @@ root=$(pwd)
 build="$root/build/default"
 work=""
 quick=0
+table_only=0
 while [ $# -gt 0 ]; do
   case "$1" in
     --quick) quick=1 ;;
+    --table) table_only=1 ;;
     --build) build="$2"; shift ;;
     --work) work="$2"; shift ;;
     *) echo "evaluate-lines: unknown argument $1" >&2; exit 2 ;;
@@ -56,7 +59,7 @@ if [ -z "$work" ]; then
 fi
 mkdir -p "$work"
 cases="$work/cases.tsv"
-: >"$cases"
+[ "$table_only" = 1 ] || : >"$cases"
 
 # margin W H: a tenth of the longer side, even.
 margin() { echo $(( ( ($1 > $2 ? $1 : $2) / 20 ) * 2 )); }
@@ -118,7 +121,7 @@ one_case() {
   fi
   printf '%s\t%s\t%dx%d\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%.2f\n' "$kind" "$label" "$w" "$h" \
     "$k1" "$k2" "${lines:--}" "$auto" "$hand" "$fk1 $fk2" "$straight" \
-    "$(echo "$end - $start" | bc)" | tee -a "$cases"
+    "$(awk -v a="$start" -v b="$end" 'BEGIN { print b - a }')" | tee -a "$cases"
 }
 
 # render KIND W H SEED: the frame with margins and its straight edges.
@@ -256,7 +259,9 @@ refusals() {
   fi
 }
 
-if [ "$quick" = 1 ]; then
+if [ "$table_only" = 1 ]; then
+  : # the cases of the earlier run
+elif [ "$quick" = 1 ]; then
   models=("0.12 0.02")
   scene_kinds="building chart"
   hand_lines=0
@@ -278,6 +283,10 @@ fi
 # automatic and the hand-drawn fits, in pixels (a refused fit counts as
 # missing the target).
 summary="$work/results.md"
+if ! command -v python3 >/dev/null; then
+  echo "(python3 is not installed: no table; the cases are in $cases)"
+  cp "$cases" "$summary"
+else
 python3 - "$cases" >"$summary" <<'PYTHON'
 import statistics, sys
 rows = [line.rstrip("\n").split("\t") for line in open(sys.argv[1]) if line.strip()]
@@ -319,6 +328,7 @@ for r in rows:
 print("```")
 PYTHON
 sed -n '1,/^Cases:/p' "$summary" | head -n -1
+fi
 echo "(every case: $summary)"
 
 if [ "$quick" = 1 ]; then

@@ -146,6 +146,14 @@ RunStatus detectPictureLines(const FilePixels& picture, const std::string& name,
     return status;
 }
 
+RunStatus detectPictureLines(const ImageZel& picture, const std::string& name, LinesFound* found,
+                             int processors) {
+    LineDetectionPool pool(processors);
+    RunStatus status = pool.add(picture, name);
+    if (status.ok()) status = pool.select(name, found);
+    return status;
+}
+
 std::string rejectionReport(const LineDetection& detection) {
     std::string text;
     char buffer[256];

@@ -46,8 +46,12 @@ class LineDetectionPool {
     int processors_;
 };
 
-// One picture: the pool of one frame.
+// One picture: the pool of one frame. An ImageZel's first row is taken as
+// the picture's top row, as in an image file (a host frame's buffer holds its
+// bottom row first: flip y, y = height - 1 - y, for such a picture).
 RunStatus detectPictureLines(const FilePixels& picture, const std::string& name, LinesFound* found,
+                             int processors = 1);
+RunStatus detectPictureLines(const ImageZel& picture, const std::string& name, LinesFound* found,
                              int processors = 1);
 
 // The rejected lines, one per line: "rejected: outlier (1.8 px from
