@@ -129,7 +129,7 @@ struct Splitter {
                 continue;
             }
             const PieceFit fit = fitPiece(points.data(), first, last);
-            if (fit.maxResidual > settings.pieceTolerance) {
+            if (fit.maxResidual > settings.splitTolerance) {
                 const std::size_t cut = farthestFromChord(points, first, last);
                 pending.push_back({cut + 1, last});
                 pending.push_back({first, cut});

@@ -16,23 +16,23 @@ struct LineDetectSettings {
     float highNoiseMultiple = 7.0f;
     float lowNoiseMultiple = 3.0f;
     // Pieces: a chain is split where a quadratic no longer follows it within
-    // pieceTolerance; pieces shorter than minPieceLength are dropped.
-    double pieceTolerance = 0.8;
+    // splitTolerance; pieces shorter than minPieceLength are dropped.
+    double splitTolerance = 0.8;
     double minPieceLength = 30.0;
     // A line (pieces merged) must cover at least this length.
     double minLineLength = 90.0;
     // Sharper than any plausible lens makes a straight line: radius of
     // curvature below this many half-diagonals.
     double minRadiusInHalfDiagonals = 0.6;
-    // Corrected with the model, a piece within this RMS of a straight line
-    // agrees with it, and a line within lineTolerance is kept.
-    double pieceTolerancePx = 0.7;
+    // Straightened with the model, a piece within pieceAgreement (RMS) of a
+    // straight line agrees with it, and a line within lineTolerance is kept.
+    double pieceAgreement = 0.7;
     double lineTolerance = 0.9;
     // A line closer than lineTolerance but further than bendTolerance is an
     // outlier still when it is clearly bent rather than noisy.
     double bendTolerance = 0.15;
-    // Merging: pieces whose corrected lines lie within mergeDistance of each
-    // other (at their ends) and at most maxGapInDiagonals apart.
+    // Merging: pieces whose straightened lines lie within mergeDistance of
+    // each other (at their ends) and at most maxGapInDiagonals apart.
     double mergeDistance = 1.0;
     double maxGapInDiagonals = 0.15;
     // Edges softer than this blur sigma are refused as out of focus.

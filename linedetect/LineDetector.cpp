@@ -18,6 +18,18 @@ const double kPi = 3.14159265358979323846;
 const std::size_t kClusterSize = 3;
 const double kBendFactor = 2.5;
 
+// Two straight lines within `distance` of each other, parallel within
+// kClusterDegrees, side by side along at least half the shorter.
+bool closeParallels(const StraightFit& a, const StraightFit& b, double distance) {
+    if (std::fabs(a.dx * b.dx + a.dy * b.dy) < std::cos(kClusterDegrees * kPi / 180.0) ||
+        std::fabs(a.across(b.cx, b.cy)) > distance)
+        return false;
+    const double b0 = a.along(b.cx + b.low * b.dx, b.cy + b.low * b.dy);
+    const double b1 = a.along(b.cx + b.high * b.dx, b.cy + b.high * b.dy);
+    const double overlap = std::min(a.high, std::max(b0, b1)) - std::max(a.low, std::min(b0, b1));
+    return overlap >= 0.5 * std::min(a.high - a.low, b.high - b.low);
+}
+
 struct CandidateLine {
     int frame = 0;
     std::vector<int> pieces;  // into that frame's pieces
@@ -106,7 +118,7 @@ std::vector<CandidateLine> Selection::linesThatCount() {
             for (const PlanePoint& p : piece.points) m.add(geometry, p);
             pieceMoments.push_back(m);
         }
-    estimate(pieceMoments, settings.pieceTolerancePx);
+    estimate(pieceMoments, settings.pieceAgreement);
     std::vector<CandidateLine> lines;
     for (int round = 0; round < 2; ++round) {
         lines = mergeAll();
@@ -147,26 +159,13 @@ void Selection::dropClusters(std::vector<CandidateLine>& kept) {
     }
     const std::size_t n = kept.size();
     std::vector<std::vector<std::size_t>> near(n);
-    const double cosine = std::cos(kClusterDegrees * kPi / 180.0);
     for (std::size_t a = 0; a < n; ++a)
-        for (std::size_t b = a + 1; b < n; ++b) {
-            const StraightFit& fa = fits[a];
-            const StraightFit& fb = fits[b];
-            if (kept[a].frame != kept[b].frame ||
-                std::fabs(fa.dx * fb.dx + fa.dy * fb.dy) < cosine ||
-                std::fabs(fa.across(fb.cx, fb.cy)) > settings.clusterDistance)
-                continue;
-            const double lowB =
-                std::min(fa.along(fb.cx + fb.low * fb.dx, fb.cy + fb.low * fb.dy),
-                         fa.along(fb.cx + fb.high * fb.dx, fb.cy + fb.high * fb.dy));
-            const double highB =
-                std::max(fa.along(fb.cx + fb.low * fb.dx, fb.cy + fb.low * fb.dy),
-                         fa.along(fb.cx + fb.high * fb.dx, fb.cy + fb.high * fb.dy));
-            const double overlap = std::min(fa.high, highB) - std::max(fa.low, lowB);
-            if (overlap < 0.5 * std::min(fa.high - fa.low, highB - lowB)) continue;
-            near[a].push_back(b);
-            near[b].push_back(a);
-        }
+        for (std::size_t b = a + 1; b < n; ++b)
+            if (kept[a].frame == kept[b].frame &&
+                closeParallels(fits[a], fits[b], settings.clusterDistance)) {
+                near[a].push_back(b);
+                near[b].push_back(a);
+            }
     std::vector<bool> drop(n, false);
     for (std::size_t a = 0; a < n; ++a) {
         if (near[a].size() + 1 < kClusterSize) continue;

@@ -10,7 +10,7 @@
 #include "EdgePieces.h"
 #include "RadialModel.h"
 
-// pieces: indices into `all`, in any order; direction from the straightened
-// line (dx, dy) orders them.
+// pieces: indices into `all`, in any order: the direction of the line,
+// straightened with (k1, k2), orders them and their points.
 Polyline sampleLine(const std::vector<EdgePiece>& all, const std::vector<int>& pieces,
                     const RadialFrame& frame, double k1, double k2, double step);

@@ -210,6 +210,9 @@ photographs() {
     # the undistorted picture, each drawn as the straight segment between
     # its ends.
     "$eval_bin/line_eval" detect "$work/big.png" --lines "$work/edges.json" >/dev/null 2>&1 || true
+    # The photograph's own lens, for reference: the fit on it undistorted.
+    one_case photo-own-lens "$(basename "$photo" | cut -c1-16)" "$work/big.png" "" "$w" "$h" "$m" \
+      0 0 0.8 0.01 90 $((100 + i * 10))
     local j=0
     for model in "${models[@]}"; do
       j=$((j + 1))

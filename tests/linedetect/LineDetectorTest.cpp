@@ -126,6 +126,18 @@ TEST(LineDetector, RejectsShortTexturedAndCurvedEdges) {
     ASSERT_TRUE(detectLines(texture.draw(), found));
     EXPECT_TRUE(found.lines.empty());
 
+    // Blinds, thin slats 5 px apart: each edge has others beside it
+    // (textured) or close parallels (clustered); one may stay.
+    TestScene blinds;
+    blinds.k1 = 0.05;
+    for (int i = 0; i < 12; ++i) blinds.rectangle(200, 150 + 5 * i, 760, 152.5 + 5 * i, 0.8f);
+    ASSERT_TRUE(detectLines(blinds.draw(0.5f), found));
+    size_t crowded = 0;
+    for (const RejectedLine& r : found.rejected)
+        crowded += r.why == LineRejection::kClustered || r.why == LineRejection::kTextured;
+    EXPECT_GE(crowded, 20u);
+    EXPECT_LE(found.lines.size(), 3u);  // the slats' ends may remain, short and apart
+
     // Curved objects among straight lines: a small disc is too curved for
     // any lens, a large gentle arc disagrees with the straight lines' model.
     TestScene mixed = barsScene(0.1, 0.0);
