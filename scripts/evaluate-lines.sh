@@ -190,13 +190,32 @@ fetch_photos() {
 scale_photo() {
   local info w h tw th m
   info=$(oiiotool --info "$1" | head -1)
-  w=$(echo "$info" | sed -n 's/.* \([0-9]*\) x \([0-9]*\).*/\1/p')
-  h=$(echo "$info" | sed -n 's/.* \([0-9]*\) x \([0-9]*\).*/\2/p')
+  w=$(echo "$info" | sed -n 's/.*: *\([0-9]*\) x *\([0-9]*\),.*/\1/p')
+  h=$(echo "$info" | sed -n 's/.*: *\([0-9]*\) x *\([0-9]*\),.*/\2/p')
   if [ "$w" -ge "$h" ]; then tw=$2; th=$(( (h * $2 / w) / 2 * 2 )); else th=$2; tw=$(( (w * $2 / h) / 2 * 2 )); fi
   m=$(margin "$tw" "$th")
   oiiotool "$1" --ch R,G,B --resize $((tw + 2 * m))x$((th + 2 * m)) -d uint16 -o "$3" 2>/dev/null ||
     oiiotool "$1" --ch 0,0,0 --resize $((tw + 2 * m))x$((th + 2 * m)) -d uint16 -o "$3"
   echo "$tw $th $m"
+}
+
+# own_lens PHOTO W H M I: the photograph's own lens, for reference: the fit
+# on it undistorted (big.png holds it, with margins).
+own_lens() {
+  one_case photo-own-lens "$(basename "$1" | cut -c1-16)" "$work/big.png" "" "$2" "$3" "$4" \
+    0 0 0.8 0.01 90 $((100 + $5 * 10))
+}
+
+# The own lenses alone (for a partial run).
+own_lenses() {
+  fetch_photos
+  local i=0
+  for photo in "${photos[@]}"; do
+    [ -f "$photo_root/$photo" ] || continue
+    i=$((i + 1))
+    read -r w h m < <(scale_photo "$photo_root/$photo" 2048 "$work/big.png")
+    own_lens "$photo" "$w" "$h" "$m" "$i"
+  done
 }
 
 photographs() {
@@ -210,9 +229,7 @@ photographs() {
     # the undistorted picture, each drawn as the straight segment between
     # its ends.
     "$eval_bin/line_eval" detect "$work/big.png" --lines "$work/edges.json" >/dev/null 2>&1 || true
-    # The photograph's own lens, for reference: the fit on it undistorted.
-    one_case photo-own-lens "$(basename "$photo" | cut -c1-16)" "$work/big.png" "" "$w" "$h" "$m" \
-      0 0 0.8 0.01 90 $((100 + i * 10))
+    own_lens "$photo" "$w" "$h" "$m" "$i"
     local j=0
     for model in "${models[@]}"; do
       j=$((j + 1))
@@ -271,8 +288,9 @@ elif [ "$quick" = 1 ]; then
   scenes 640x360 1 1
   refusals 640 360
 elif [ -n "${STRAIGHTLUX_EVAL_ONLY:-}" ]; then
-  # A part of the set, for working on it: e.g. "scenes 2048x1152 1 4" or "photographs".
-  $STRAIGHTLUX_EVAL_ONLY
+  # A part of the set, for working on it: shell words such as
+  # "scene_kinds=chart; scenes 2048x1152 1 4" or "photographs".
+  eval "$STRAIGHTLUX_EVAL_ONLY"
 else
   scenes 2048x1152 2 4
   scenes 640x360 1 2

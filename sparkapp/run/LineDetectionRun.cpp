@@ -31,6 +31,13 @@ std::vector<unsigned> spread(const std::vector<unsigned>& frames) {
     return chosen;
 }
 
+// A still stands for every frame: it is searched once.
+std::vector<unsigned> framesToSearch(const RunOptions& options, const FramePattern& input,
+                                     const std::vector<unsigned>& runFrames) {
+    if (!input.isSequence()) return {runFrames.front()};
+    return detectionFrames(options, runFrames);
+}
+
 void report(const RunOptions& options, const LinesFound& found, const std::string& where) {
     if (!options.verbose) return;
     size_t points = 0;
@@ -60,7 +67,6 @@ RunStatus detectFrames(const RunOptions& options, const FramePattern& input,
         RunStatus status = readImage(name, options.depth, &picture, &depth);
         if (status.ok()) status = pool.add(picture, name);
         if (!status.ok()) return status;
-        if (!input.isSequence()) break;
     }
     const RunStatus status = pool.select(where, found);
     if (status.ok()) report(options, *found, where);
@@ -110,8 +116,7 @@ std::vector<unsigned> detectionFrames(const RunOptions& options,
 RunStatus detectInputLines(const RunOptions& options, const FramePattern& input,
                            const std::vector<unsigned>& runFrames, LinesFile* lines) {
     LinesFound found;
-    const std::vector<unsigned> frames =
-        input.isSequence() ? detectionFrames(options, runFrames) : runFrames;
+    const std::vector<unsigned> frames = framesToSearch(options, input, runFrames);
     RunStatus status = detectFrames(options, input, frames, &found);
     if (status.ok()) *lines = found.lines;
     return status;
@@ -133,9 +138,7 @@ RunStatus runDetectLines(const RunOptions& options) {
     if (runFrames.empty())
         return RunStatus::failure(ExitCode::Input, "no input files match " + input.text());
     LinesFound found;
-    status =
-        detectFrames(options, input,
-                     input.isSequence() ? detectionFrames(options, runFrames) : runFrames, &found);
+    status = detectFrames(options, input, framesToSearch(options, input, runFrames), &found);
     if (!status.ok()) return status;
     const std::string text = formatLinesText(found.lines);
     safeio::OutputFile file;
