@@ -7,10 +7,10 @@
 //       the largest displacement in pixels between two models over the
 //       points within 0.7 of the half-diagonal from the centre
 //   line_eval hand EDGES.json MARGIN W H K1 K2 SEED OUT.json
-//       the stand-in for careful hand-drawn lines: the longest straight
-//       edges of the undistorted picture (EDGES.json, drawn MARGIN pixels
-//       larger on every side), eleven points along each, carried into the
-//       distorted frame by the true model, with 0.5 px of hand noise
+//       the stand-in for careful hand-drawn lines: the longest edges of the
+//       undistorted picture away from the centre (EDGES.json, drawn MARGIN
+//       pixels larger on every side), eleven points along each, carried into
+//       the distorted frame by the true model, with 0.5 px of hand noise
 //   line_eval straightness EDGES.json MARGIN W H K1 K2 K1' K2'
 //       the straight edges carried into the distorted frame by the true
 //       model (K1, K2) and straightened by the fitted one (K1', K2'): the
@@ -135,20 +135,31 @@ bool readEdges(const char* path, LinesFile& edges) {
     return true;
 }
 
-// Each straight edge (its end points, less the margin) carried into the
-// distorted frame at `count` points; points off the frame are dropped.
+// Each edge (less the margin) sampled at `count` points evenly along its
+// length and carried into the distorted frame; points off the frame are
+// dropped. A rendered scene's edges are straight; a photograph's are where
+// its own lens and the world put them, as a careful user clicking on the
+// edge would follow them.
 std::vector<Polyline> carried(const LinesFile& edges, double margin, int w, int h, double k1,
                               double k2, int count) {
     const RadialFrame frame = RadialFrame::of(w, h);
     std::vector<Polyline> lines;
     for (const auto& edge : edges.lines) {
-        const PlanePoint a{edge.front().x - margin, edge.front().y - margin};
-        const PlanePoint b{edge.back().x - margin, edge.back().y - margin};
+        std::vector<double> along(edge.size(), 0.0);
+        for (size_t i = 1; i < edge.size(); ++i)
+            along[i] =
+                along[i - 1] + std::hypot(edge[i].x - edge[i - 1].x, edge[i].y - edge[i - 1].y);
         Polyline line;
+        size_t segment = 0;
         for (int i = 0; i < count; ++i) {
-            const double t = double(i) / (count - 1);
-            const PlanePoint d =
-                distort(frame, {a.x + t * (b.x - a.x), a.y + t * (b.y - a.y)}, k1, k2);
+            const double target = along.back() * i / (count - 1);
+            while (segment + 2 < edge.size() && along[segment + 1] < target) ++segment;
+            const double span = along[segment + 1] - along[segment];
+            const double t = span > 0.0 ? (target - along[segment]) / span : 0.0;
+            const PlanePoint q{
+                edge[segment].x + t * (edge[segment + 1].x - edge[segment].x) - margin,
+                edge[segment].y + t * (edge[segment + 1].y - edge[segment].y) - margin};
+            const PlanePoint d = distort(frame, q, k1, k2);
             if (d.x >= 2 && d.y >= 2 && d.x <= w - 3 && d.y <= h - 3) line.push_back(d);
         }
         if (line.size() >= 3) lines.push_back(line);

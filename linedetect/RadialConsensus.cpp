@@ -12,9 +12,17 @@ const double kMaxK1 = 0.8;
 const int kGridSteps = 64;
 const int kGoldenSteps = 40;
 const std::size_t kCandidateEdges = 120;
-// A weak pull of k2 towards 0, in squared pixels per point for k2 = 1, so an
-// unconstrained k2 (edges only near the centre) stays put.
-const double kK2Pull = 0.05;
+// An edge whose RMS grows by the tolerance when k1 moves this far from its
+// straightest tells about k1: it gets a whole vote.
+const double kInformativeStep = 0.05;
+// Vote totals this close are a tie.
+const double kVoteTie = 1e-9;
+// A weak pull of the model towards no distortion, in squared pixels per
+// point for a coefficient of 1: where the edges tell little (few, short, near
+// the centre) the model stays put instead of wandering to where one curved
+// object happens to be straight; where they tell much it moves the estimate
+// by a small fraction of what they decide.
+const double kModelPull = 0.3;
 
 double golden(const std::function<double(double)>& f, double low, double high) {
     const double ratio = 0.6180339887498949;
@@ -112,21 +120,44 @@ RadialEstimate estimateRadialModel(const RadialFrame& frame,
     double points = 0.0;
     for (const StraightnessMoments& e : edges) points += e.count;
     auto truncated = [&](double k1, double k2) {
-        double total = kK2Pull * points * k2 * k2;
+        double total = kModelPull * points * (k1 * k1 + k2 * k2);
         for (const StraightnessMoments& e : edges)
             total += e.count * std::min(e.meanSquare(frame, k1, k2), limit);
         return total;
     };
-    // Candidates: the longest edges' own k1, and no distortion.
+    // Candidates: the longest edges' own k1, and no distortion. Each is
+    // judged by the edges that agree with it, one vote an edge at most and
+    // less for an edge that agrees with almost any model (short, or near the
+    // centre), so one long curved object cannot outvote many short straight
+    // edges; the truncated error breaks ties.
     std::vector<std::size_t> order(edges.size());
     std::iota(order.begin(), order.end(), 0);
     std::stable_sort(order.begin(), order.end(),
                      [&](std::size_t a, std::size_t b) { return edges[a].count > edges[b].count; });
-    double bestK1 = 0.0, bestCost = truncated(0.0, 0.0);
+    std::vector<double> straightest(edges.size(), 0.0), weight(edges.size(), 0.0);
+    for (std::size_t i = 0; i < edges.size(); ++i) {
+        const StraightnessMoments& e = edges[i];
+        straightest[i] = straightestK1(frame, e);
+        const double best = std::sqrt(e.meanSquare(frame, straightest[i], 0.0));
+        const double moved =
+            std::sqrt(std::max(e.meanSquare(frame, straightest[i] + kInformativeStep, 0.0),
+                               e.meanSquare(frame, straightest[i] - kInformativeStep, 0.0)));
+        weight[i] = std::clamp((moved - best) / tolerance, 0.0, 1.0);
+    }
+    auto votes = [&](double k1) {
+        double total = 0.0;
+        for (std::size_t i = 0; i < edges.size(); ++i)
+            if (edges[i].meanSquare(frame, k1, 0.0) <= limit) total += weight[i];
+        return total;
+    };
+    double bestK1 = 0.0, bestVotes = votes(0.0), bestCost = truncated(0.0, 0.0);
     for (std::size_t i = 0; i < std::min(kCandidateEdges, order.size()); ++i) {
-        const double k1 = straightestK1(frame, edges[order[i]]);
+        const double k1 = straightest[order[i]];
+        const double v = votes(k1);
+        if (v < bestVotes - kVoteTie) continue;
         const double cost = truncated(k1, 0.0);
-        if (cost < bestCost) {
+        if (v > bestVotes + kVoteTie || cost < bestCost) {
+            bestVotes = v;
             bestCost = cost;
             bestK1 = k1;
         }
@@ -137,7 +168,7 @@ RadialEstimate estimateRadialModel(const RadialFrame& frame,
     for (const StraightnessMoments& e : edges)
         if (e.meanSquare(frame, robust[0], robust[1]) <= limit) agreeing.push_back(&e);
     auto squares = [&](double k1, double k2) {
-        double total = kK2Pull * points * k2 * k2;
+        double total = kModelPull * points * (k1 * k1 + k2 * k2);
         for (const StraightnessMoments* e : agreeing)
             total += e->count * e->meanSquare(frame, k1, k2);
         return total;

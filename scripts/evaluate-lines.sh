@@ -4,10 +4,11 @@
 # coefficients, degraded as a camera would (lens blur, noise, JPEG), and
 # then fitted as a user would without knowing them:
 #   sparkrun --lines auto --autofind  (detect, draw, AutoFind)
-# and, for comparison, with a stand-in for carefully hand-drawn lines (the
-# longest straight edges of the undistorted picture, eleven points along
-# each, carried into the distorted frame by the true model, 0.5 px of hand
-# noise). The measure is the largest displacement between the fitted and the
+# and, for comparison, with a stand-in for carefully hand-drawn lines: the
+# twelve longest edges away from the centre of the undistorted picture (a
+# rendered scene's straight edges; for a photograph, the detector's lines on
+# it as it came), eleven points along each, carried into the distorted frame
+# by the true model, with 0.5 px of hand noise. The measure is the largest displacement between the fitted and the
 # true model over the points within 0.7 of the half-diagonal from the centre.
 #
 # A frame is drawn (or a photograph scaled) with a margin of a tenth of its
@@ -225,9 +226,9 @@ photographs() {
     [ -f "$photo_root/$photo" ] || continue
     i=$((i + 1))
     read -r w h m < <(scale_photo "$photo_root/$photo" 2048 "$work/big.png")
-    # The straight edges a careful user would trace: the detector's lines on
-    # the undistorted picture, each drawn as the straight segment between
-    # its ends.
+    # The edges a careful user would trace: the detector's lines on the
+    # undistorted picture, followed as they run (the photograph's own lens
+    # and the world's own curves included).
     "$eval_bin/line_eval" detect "$work/big.png" --lines "$work/edges.json" >/dev/null 2>&1 || true
     own_lens "$photo" "$w" "$h" "$m" "$i"
     local j=0
