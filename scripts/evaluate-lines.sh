@@ -108,7 +108,10 @@ one_case() {
   read -r fk1 fk2 < <(fit auto "$image")
   end=$(date +%s.%N)
   lines=-
-  [ "$quick" = 1 ] || lines=$("$tool" --quiet --detect-lines "$work/auto.json" "$image" 2>/dev/null | awk '{print $2}')
+  [ "$quick" = 1 ] ||
+    lines=$({ "$tool" --quiet --detect-lines "$work/auto.json" "$image" 2>/dev/null || true; } |
+      awk '{ print $2 }')
+  [ -n "$lines" ] || lines=0
   auto=$(displacement "$w" "$h" "$k1" "$k2" "$fk1" "$fk2")
   hand="-"
   if [ "$hand_lines" = 1 ] && [ -n "$edges" ] && "$eval_bin/line_eval" hand "$edges" "$m" "$w" "$h" "$k1" "$k2" "${13}" \
@@ -297,6 +300,7 @@ else
   scenes 640x360 1 2
   scenes 1280x720 1 2
   scenes 3840x2160 1 1
+  models=("0.15 0.03" "-0.12 -0.02")
   photographs
   refusals 2048 1152
 fi
