@@ -8,9 +8,10 @@
 //       points within 0.7 of the half-diagonal from the centre
 //   line_eval hand EDGES.json MARGIN W H K1 K2 SEED OUT.json
 //       the stand-in for careful hand-drawn lines: the longest edges of the
-//       undistorted picture away from the centre (EDGES.json, drawn MARGIN
-//       pixels larger on every side), eleven points along each, carried into
-//       the distorted frame by the true model, with 0.5 px of hand noise
+//       undistorted picture away from the centre that look straight there
+//       (within 0.5 px RMS; EDGES.json, drawn MARGIN pixels larger on every
+//       side), eleven points along each, carried into the distorted frame by
+//       the true model, with 0.5 px of hand noise
 //   line_eval straightness EDGES.json MARGIN W H K1 K2 K1' K2'
 //       the straight edges carried into the distorted frame by the true
 //       model (K1, K2) and straightened by the fitted one (K1', K2'): the
@@ -106,10 +107,11 @@ int detectMain(int argc, char** argv) {
 }
 
 namespace {
-const double kHandNoise = 0.5;     // pixels: a careful click at full size
-const size_t kHandLines = 12;      // lines a careful user draws
-const int kHandPoints = 11;        // points along each
-const double kInsideRadius = 0.7;  // of the half-diagonal
+const double kHandNoise = 0.5;       // pixels: a careful click at full size
+const size_t kHandLines = 12;        // lines a careful user draws
+const int kHandPoints = 11;          // points along each
+const double kStraightEnough = 0.5;  // pixels RMS from straight, as drawn on
+const double kInsideRadius = 0.7;    // of the half-diagonal
 
 // The image point d whose straightened position is q (fixed point on the
 // radial factor).
@@ -185,9 +187,23 @@ int displacementMain(char** argv) {
     return 0;
 }
 
+// RMS distance of a polyline from its best straight line, pixels.
+double crookedness(const std::vector<LinePoint>& edge) {
+    const RadialFrame anyFrame = RadialFrame::of(2, 2);
+    StraightnessMoments m;
+    for (const LinePoint& p : edge) m.add(anyFrame, {p.x, p.y});
+    return std::sqrt(m.meanSquare(anyFrame, 0.0, 0.0));
+}
+
 int handMain(char** argv) {
     LinesFile edges;
     if (!readEdges(argv[2], edges)) return 3;
+    // A careful user draws only what looks straight in the picture as it is.
+    auto crooked = [](const std::vector<LinePoint>& edge) {
+        return crookedness(edge) > kStraightEnough;
+    };
+    edges.lines.erase(std::remove_if(edges.lines.begin(), edges.lines.end(), crooked),
+                      edges.lines.end());
     const double margin = std::atof(argv[3]);
     const int w = std::atoi(argv[4]), h = std::atoi(argv[5]);
     std::vector<Polyline> lines =

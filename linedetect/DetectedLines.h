@@ -47,7 +47,10 @@ struct LineDetection {
     std::vector<Polyline> lines;
     std::vector<RejectedLine> rejected;
     std::size_t shortPieces = 0;  // edge pieces too short to be a line (not listed)
-    bool modelFound = false;      // a model was estimated from the lines
+    // Lines were found, but too little of them for a fit (their total length
+    // below the minimum): `lines` is then empty and they are listed here.
+    std::vector<Polyline> tooLittle;
+    bool modelFound = false;  // a model was estimated from the lines
     double radial1 = 0.0;
     double radial2 = 0.0;
 };

@@ -42,6 +42,9 @@ struct LineDetectSettings {
     double textureBand = 8.0;
     // Clustered: parallel lines closer than this, three or more together.
     double clusterDistance = 12.0;
+    // Too little to fit: the lines kept cover less than this many diagonals
+    // of the frame in all (a few short twigs in foliage).
+    double minTotalInDiagonals = 0.5;
     // Output: one point per sampleStep of edge, at most maxPoints in all.
     double sampleStep = 20.0;
     long maxPoints = 2400;

@@ -195,7 +195,10 @@ void Selection::write(const std::vector<CandidateLine>& kept) {
     double total = 0.0;
     for (const CandidateLine& line : kept) total += line.length;
     const double step = std::max(settings.sampleStep, total / std::max(1L, settings.maxPoints));
-    for (const CandidateLine& line : kept) result.lines.push_back(points(line, step));
+    const double diagonal = 2.0 * geometry.halfDiagonal;
+    std::vector<Polyline>& into =
+        total < settings.minTotalInDiagonals * diagonal ? result.tooLittle : result.lines;
+    for (const CandidateLine& line : kept) into.push_back(points(line, step));
     result.radial1 = k1;
     result.radial2 = k2;
 }

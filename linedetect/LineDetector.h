@@ -11,7 +11,7 @@
 //    merge done again with it.
 // 4. Lines too short, blurred, textured, disagreeing with the model
 //    (outliers) or clustered are rejected; the rest are sampled into points
-//    (LineSampling.h).
+//    (LineSampling.h), unless they are too little for a fit in all.
 //
 // The result depends only on the pixels: the same frame gives the same
 // lines at any processor count. Image pixels, y down (DetectedLines.h).

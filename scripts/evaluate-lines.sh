@@ -7,8 +7,9 @@
 # and, for comparison, with a stand-in for carefully hand-drawn lines: the
 # twelve longest edges away from the centre of the undistorted picture (a
 # rendered scene's straight edges; for a photograph, the detector's lines on
-# it as it came), eleven points along each, carried into the distorted frame
-# by the true model, with 0.5 px of hand noise. The measure is the largest displacement between the fitted and the
+# it as it came that look straight there, within 0.5 px RMS), eleven points
+# along each, carried into the distorted frame by the true model, with 0.5 px
+# of hand noise. The measure is the largest displacement between the fitted and the
 # true model over the points within 0.7 of the half-diagonal from the centre.
 #
 # A frame is drawn (or a photograph scaled) with a margin of a tenth of its
@@ -325,7 +326,7 @@ def size_key(k):
     return (k[0], int(w))
 def fmt(v):
     return "-" if v is None else ("refused" if v == float("inf") else "%.2f" % v)
-print("| set | size | cases | auto median px | auto worst px | hand median px | hand worst px | chart rows/columns straightness px (RMS, worst line) |")
+print("| set | size | cases | auto median px | auto worst px | hand median px | hand worst px | chart rows/columns straightness px (RMS over cases) |")
 print("|---|---|---|---|---|---|---|---|")
 for key in sorted(groups, key=size_key):
     g = groups[key]
@@ -335,7 +336,8 @@ for key in sorted(groups, key=size_key):
     straight = "-"
     if charts:
         rms = (sum(float(c[0]) ** 2 for c in charts) / len(charts)) ** 0.5
-        straight = "%.3f, %.3f" % (rms, max(float(c[1]) for c in charts))
+        straight = "%.3f, worst case %.3f, worst line %.3f" % (
+            rms, max(float(c[0]) for c in charts), max(float(c[1]) for c in charts))
     print("| %s | %s | %d | %s | %s | %s | %s | %s |" % (
         key[0], key[1], len(g), fmt(statistics.median(auto)), fmt(max(auto)),
         fmt(statistics.median(hand)) if hand else "-", fmt(max(hand)) if hand else "-", straight))

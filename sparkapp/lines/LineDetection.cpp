@@ -129,6 +129,13 @@ RunStatus LineDetectionPool::select(const std::string& what, LinesFound* found) 
         for (const PlanePoint& p : line) points.push_back({p.x, p.y});
         found->lines.lines.push_back(std::move(points));
     }
+    const LineDetection& d = found->detection;
+    if (found->lines.lines.empty() && !d.tooLittle.empty())
+        return RunStatus::failure(ExitCode::Input,
+                                  "no usable straight line found in " + what + ": only " +
+                                      std::to_string(d.tooLittle.size()) +
+                                      " short line(s), too little for a fit (a line is a long, "
+                                      "sharp edge of something straight in the world)");
     if (found->lines.lines.empty())
         return RunStatus::failure(
             ExitCode::Input,

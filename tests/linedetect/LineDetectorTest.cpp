@@ -171,6 +171,13 @@ TEST(LineDetector, RefusesFlatNoisyAndBlurredFrames) {
     // The bars out of focus: a blur of sigma 6 at this size.
     ASSERT_TRUE(detectLines(barsScene(0.1, 0.0).draw(6.0f, 0.004), found));
     EXPECT_TRUE(found.lines.empty());
+    // A twig: two edges of 150 px, a fifth of the diagonal in all, are too
+    // little to fit a lens on.
+    TestScene twig;
+    twig.rectangle(400, 200, 550, 208, 0.9f);
+    ASSERT_TRUE(detectLines(twig.draw(), found));
+    EXPECT_TRUE(found.lines.empty());
+    EXPECT_EQ(found.tooLittle.size(), 2u);
     // No pixels at all is a failure, not an empty result.
     EXPECT_FALSE(detectLines(FloatImageZel(), found));
 }
