@@ -319,14 +319,18 @@ import statistics, sys
 rows = [line.rstrip("\n").split("\t") for line in open(sys.argv[1]) if line.strip()]
 groups = {}
 for r in rows:
-    if r[0] != "refusal":
+    if r[0].startswith("photo"):
+        groups.setdefault((r[0], r[1] + " " + r[2]), []).append(r)
+    elif r[0] != "refusal":
         groups.setdefault((r[0], r[2]), []).append(r)
 def size_key(k):
+    if k[0].startswith("photo"):
+        return (k[0], 0, k[1])
     w, h = k[1].split("x")
-    return (k[0], int(w))
+    return (k[0], int(w), "")
 def fmt(v):
     return "-" if v is None else ("refused" if v == float("inf") else "%.2f" % v)
-print("| set | size | cases | auto median px | auto worst px | hand median px | hand worst px | chart rows/columns straightness px (RMS over cases) |")
+print("| set | size (photograph) | cases | auto median px | auto worst px | hand median px | hand worst px | chart rows/columns straightness px (RMS over cases) |")
 print("|---|---|---|---|---|---|---|---|")
 for key in sorted(groups, key=size_key):
     g = groups[key]
