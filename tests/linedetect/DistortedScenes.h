@@ -24,7 +24,7 @@ struct Segment {
 };
 
 struct TestScene {
-    static constexpr int kSamples = 4;  // per pixel each way
+    int samples = 4;  // per pixel each way (fewer where positions are not measured)
     int width = 960;
     int height = 540;
     double k1 = 0.0;
@@ -99,14 +99,13 @@ struct TestScene {
         for (int y = 0; y < height; ++y)
             for (int x = 0; x < width; ++x) {
                 double sum = 0.0;
-                for (int j = 0; j < kSamples; ++j)
-                    for (int i = 0; i < kSamples; ++i) {
+                for (int j = 0; j < samples; ++j)
+                    for (int i = 0; i < samples; ++i) {
                         const PlanePoint q = frame.straighten(
-                            {x + (i + 0.5) / kSamples - 0.5, y + (j + 0.5) / kSamples - 0.5}, k1,
-                            k2);
+                            {x + (i + 0.5) / samples - 0.5, y + (j + 0.5) / samples - 0.5}, k1, k2);
                         sum += valueAt(q.x, q.y);
                     }
-                picture.row(y)[x] = static_cast<float>(sum / (kSamples * kSamples));
+                picture.row(y)[x] = static_cast<float>(sum / (samples * samples));
             }
         FloatImageZel out;
         if (blur > 0.0f)

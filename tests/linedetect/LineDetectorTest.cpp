@@ -110,6 +110,7 @@ TEST(LineDetector, SplitsAtCornersAndMergesAcrossGaps) {
 TEST(LineDetector, RejectsShortTexturedAndCurvedEdges) {
     // Short: small squares only.
     TestScene small;
+    small.samples = 2;
     small.shapes.push_back([](double x, double y) {
         const bool on = x > 60 && y > 60 && x < 900 && y < 480 && std::fmod(x - 60, 70.0) < 18 &&
                         std::fmod(y - 60, 70.0) < 18;
@@ -122,6 +123,7 @@ TEST(LineDetector, RejectsShortTexturedAndCurvedEdges) {
 
     // Textured: a field of small random blobs.
     TestScene texture;
+    texture.samples = 2;
     texture.blobs(7.0, 7);
     ASSERT_TRUE(detectLines(texture.draw(), found));
     EXPECT_TRUE(found.lines.empty());
@@ -129,6 +131,7 @@ TEST(LineDetector, RejectsShortTexturedAndCurvedEdges) {
     // Blinds, thin slats 5 px apart: each edge has others beside it
     // (textured) or close parallels (clustered); one may stay.
     TestScene blinds;
+    blinds.samples = 2;
     blinds.k1 = 0.05;
     for (int i = 0; i < 12; ++i) blinds.rectangle(200, 150 + 5 * i, 760, 152.5 + 5 * i, 0.8f);
     ASSERT_TRUE(detectLines(blinds.draw(0.5f), found));
@@ -163,6 +166,7 @@ TEST(LineDetector, RejectsShortTexturedAndCurvedEdges) {
 
 TEST(LineDetector, RefusesFlatNoisyAndBlurredFrames) {
     TestScene flat;
+    flat.samples = 1;
     LineDetection found;
     ASSERT_TRUE(detectLines(flat.draw(0.0f, 0.01), found));
     EXPECT_TRUE(found.lines.empty());
@@ -174,6 +178,7 @@ TEST(LineDetector, RefusesFlatNoisyAndBlurredFrames) {
     // A twig: two edges of 150 px, a fifth of the diagonal in all, are too
     // little to fit a lens on.
     TestScene twig;
+    twig.samples = 2;
     twig.rectangle(400, 200, 550, 208, 0.9f);
     ASSERT_TRUE(detectLines(twig.draw(), found));
     EXPECT_TRUE(found.lines.empty());

@@ -96,14 +96,12 @@ TEST_F(Sparkrun, LinesAutoFitsTheLensThroughThePluginDespiteACurvedObject) {
 }
 
 TEST_F(Sparkrun, LinesAutoPoolsTheChosenFramesOfASequence) {
-    for (unsigned f = 1; f <= 3; ++f) {
-        writeFacade(path("plate." + std::to_string(f) + ".png"), false, f);
-        ASSERT_EQ(
-            run("--set Mode=Add --set Radial1=0.08 " + path("plate." + std::to_string(f) + ".png") +
-                " " + path("in." + std::to_string(f) + ".png"))
-                .code,
-            0);
-    }
+    // A locked-off plate: the same frame three times.
+    writeFacade(path("plate.png"));
+    ASSERT_EQ(
+        run("--set Mode=Add --set Radial1=0.08 " + path("plate.png") + " " + path("in.1.png")).code,
+        0);
+    for (const char* copy : {"in.2.png", "in.3.png"}) fs::copy_file(path("in.1.png"), path(copy));
     const std::string names = path("in.#.png") + " " + path("out/o.#.png");
     ToolRun result = run("--verbose --set \"Auto Preview=off\" --lines auto --autofind " + names);
     ASSERT_EQ(result.code, 0) << result.err;
