@@ -14,6 +14,7 @@
 #include "FrameLoop.h"
 #include "ImageFiles.h"
 #include "LensDataRun.h"
+#include "LineDetectionRun.h"
 #include "OptionRules.h"
 #include "OutputNames.h"
 #include "PictureUtilities.h"
@@ -41,6 +42,8 @@ RunStatus run(RunOptions& options, time_t runStart) {
             return runCompare(options);
         case RunMode::TraceChart:
             return runTraceChart(options);
+        case RunMode::DetectLines:
+            return runDetectLines(options);
         case RunMode::ListControls:
             return runControlsOnly(options, plugin);
         case RunMode::StMap:

@@ -61,13 +61,16 @@ const std::pair<const char*, RunMode> kModeOptions[] = {
     {"--list-controls", RunMode::ListControls}, {"--make-chart", RunMode::MakeChart},
     {"--side-by-side", RunMode::SideBySide},    {"--compare", RunMode::Compare},
     {"--trace-chart", RunMode::TraceChart},     {"--stmap", RunMode::StMap},
-    {"--to-opencv", RunMode::ExportLens},       {"--to-lensfun", RunMode::ExportLens}};
+    {"--to-opencv", RunMode::ExportLens},       {"--to-lensfun", RunMode::ExportLens},
+    {"--detect-lines", RunMode::DetectLines}};
 
 // The utility modes without a value.
 void addModes(CLI::App& app) {
     for (const auto& mode : kModeOptions) {
         const std::string name = mode.first;
-        if (mode.second != RunMode::StMap && mode.second != RunMode::ExportLens)
+        // The others name their output and are declared with their values.
+        if (mode.second != RunMode::StMap && mode.second != RunMode::ExportLens &&
+            mode.second != RunMode::DetectLines)
             addFlag(app, name, [] {});
     }
 }
@@ -92,6 +95,8 @@ bool parseNumber(const std::string& text, double* value) {
 }
 
 void addUtilityOptions(CLI::App& app, RunOptions& options) {
+    addText(app, "--detect-lines", options.detectLinesPath);
+    addText(app, "--detect-frames", options.detectFrames);
     addValue(app, "--size", [&options](const std::string& value) {
         if (!parseSize(value, &options.sizeWidth, &options.sizeHeight) || options.sizeWidth < 1 ||
             options.sizeHeight < 1)

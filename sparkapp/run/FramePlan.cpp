@@ -9,6 +9,7 @@
 #include <fstream>
 
 #include "ImageFiles.h"
+#include "LineDetectionRun.h"
 #include "OptionRules.h"
 #include "OutputPaths.h"
 
@@ -78,7 +79,9 @@ RunStatus readLines(const std::string& path, LinesFile* lines) {
 RunStatus planFrames(const RunOptions& options, FramePlan* plan) {
     RunStatus status = findFrames(options, plan);
     if (status.ok()) status = checkOutputs(options, *plan);
-    if (status.ok() && !options.linesPath.empty())
+    if (status.ok() && options.linesPath == kAutoLines)
+        status = detectInputLines(options, plan->input, plan->frames, &plan->lines);
+    else if (status.ok() && !options.linesPath.empty())
         status = readLines(options.linesPath, &plan->lines);
     return status;
 }

@@ -14,6 +14,7 @@
 #include "FramePattern.h"
 #include "HostPixels.h"
 #include "ImageFiles.h"
+#include "LineDetectionRun.h"
 #include "OutputPaths.h"
 
 namespace {
@@ -62,6 +63,9 @@ RunStatus modeFiles(const RunOptions& options) {
         case RunMode::TraceChart:
             return count == 2 ? RunStatus::success()
                               : usage("--trace-chart takes IMAGE LINES.json");
+        case RunMode::DetectLines:
+            return count == 1 ? RunStatus::success()
+                              : usage("--detect-lines LINES.json takes one INPUT");
         case RunMode::ListControls:
             return count == 0 ? RunStatus::success()
                               : usage("--list-controls takes no INPUT or OUTPUT");
@@ -227,10 +231,25 @@ RunStatus lensExport(const RunOptions& options) {
     return RunStatus::success();
 }
 
+// Automatic lines: --detect-frames chooses the frames they are found in.
+RunStatus detectedLines(const RunOptions& options) {
+    const bool detecting = options.mode == RunMode::DetectLines || options.linesPath == kAutoLines;
+    if (!options.detectFrames.empty() && !detecting)
+        return usage("--detect-frames chooses the frames of --lines auto or --detect-lines");
+    std::vector<unsigned> frames;
+    std::string error;
+    if (!options.detectFrames.empty() && !parseDetectFrames(options.detectFrames, &frames, &error))
+        return usage(error);
+    if (options.mode == RunMode::DetectLines && options.files.size() == 1 &&
+        sameFile(options.detectLinesPath, options.files[0]))
+        return usage("--detect-lines " + options.detectLinesPath + " is also the INPUT");
+    return RunStatus::success();
+}
+
 const std::vector<Rule>& rules() {
     static const std::vector<Rule> all = {
-        oneMode,     setupNames,  viewerProgram, viewerNeedsImages, modeFiles, namesAndFrames,
-        logEncoding, overlayName, stMapNames,    lensSource,        lensExport};
+        oneMode,     setupNames,  viewerProgram, viewerNeedsImages, modeFiles,  namesAndFrames,
+        logEncoding, overlayName, stMapNames,    lensSource,        lensExport, detectedLines};
     return all;
 }
 }  // namespace

@@ -17,6 +17,8 @@ std::string outputOf(const RunOptions& options) {
             return options.files.size() == 2 ? options.files[1] : "";
         case RunMode::StMap:
             return options.stMapPath;
+        case RunMode::DetectLines:
+            return options.detectLinesPath;
         default:
             return "";
     }

@@ -21,6 +21,7 @@ enum class RunMode {
     TraceChart,
     StMap,
     ExportLens,
+    DetectLines,
     Help
 };
 
@@ -65,6 +66,10 @@ struct RunOptions {
     std::string toLensfun;    // --to-lensfun: the set-up as a lensfun database entry
     double focalMm = 0.0;     // --focal: the lens's focal length for --to-*
     double cropFactor = 0.0;  // --crop: the camera's crop factor (0: not given, 1)
+
+    // Automatic lines: --lines auto finds them in the input (LineDetectionRun.h).
+    std::string detectLinesPath;  // --detect-lines: the lines file written
+    std::string detectFrames;     // --detect-frames: the frames searched
 
     // --lines, --autofind or --overlay: work in the plug-in's viewer.
     bool viewerWork() const { return !linesPath.empty() || autoFind || !overlayPath.empty(); }

@@ -12,6 +12,7 @@ const char kUsage[] = R"(usage: sparkrun [options] INPUT OUTPUT
        sparkrun [options] --stmap MAP.exr (--size WxH | INPUT) [--overscan PERCENT]
        sparkrun [options] --to-opencv FILE | --to-lensfun FILE --focal MM [--crop C]
                 (--size WxH | INPUT)
+       sparkrun --detect-lines LINES.json INPUT [--detect-frames LIST]
 
 Runs a Spark plug-in (by default straightlux.spark next to this tool) on image
 files through the simulated host. INPUT and OUTPUT are any files OpenImageIO
@@ -35,6 +36,10 @@ options:
                          click per point): JSON {"lines": [[[x, y], ...], ...]},
                          image pixels, x right, y down from the top-left pixel
                          centre, two points or more a line
+  --lines auto           find the straight lines in the input (as --detect-lines)
+                         and draw those; with --autofind: detect, draw and fit
+  --detect-frames LIST   frames searched for lines, pooled: 1001,1050,1090-1100
+                         (default: up to 5 spread over the run's frames)
   --autofind             press AutoFind after the lines are drawn; prints the
                          fitted Radial1 and Radial2, which the frames written
                          use and --save-setup keeps
@@ -82,15 +87,22 @@ utilities:
   --trace-chart IMAGE LINES.json
                          find the test chart's outer grid lines in IMAGE (as
                          distorted or not) and write them as a lines file
+  --detect-lines LINES.json INPUT
+                         find the lines of INPUT that should be straight (long
+                         sharp edges; distorted ones too) and write them as a
+                         lines file for --lines; --verbose lists the lines
+                         rejected (outliers, too curved, blurred, textured,
+                         clustered)
 
 exit codes: 0 done; 2 usage (bad option, control name or value; a lines file
 that is not valid JSON or has the wrong shape, a line of fewer than two
 points, a point outside the frame; AutoFind without lines, or with no line of
 three points or more); 3 input (missing, unreadable, damaged or cut-off image,
 set-up or lines file, a frame too large or needing more memory than allowed,
-no chart grid found by --trace-chart; a calibration or lensfun profile that
-is missing, incomplete, not finite, of another frame shape or outside the
-controls' ranges); 4 output (missing folder, name too
+no chart grid found by --trace-chart, no usable line found by --detect-lines
+or --lines auto; a calibration or lensfun profile that is missing,
+incomplete, not finite, of another frame shape or outside the controls'
+ranges); 4 output (missing folder, name too
 long, unsupported format, write failure such as a full disk, --overlay
 without OpenGL off-screen drawing (libOSMesa)); 5 plug-in (not a plug-in,
 declined to start, lacks the viewer entry points or controls --lines,

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "CommandLine.h"
+#include "LineDetectionRun.h"
 #include "OptionRules.h"
 
 namespace {
@@ -155,4 +156,52 @@ TEST(OptionRules, TheOverlayOverwritesNoOtherOutput) {
     EXPECT_EQ(refusal({"--overlay", "s.setup", "--save-setup", "./s.setup", "in.png", "out.png"}),
               "--overlay s.setup is also the --save-setup file");
     std::system(("rm -rf " + std::string(folder)).c_str());
+}
+
+TEST(OptionRules, AutomaticLines) {
+    RunOptions options;
+    ASSERT_TRUE(check({"--detect-lines", "l.json", "in.png"}, &options).ok());
+    EXPECT_EQ(options.mode, RunMode::DetectLines);
+    EXPECT_EQ(options.detectLinesPath, "l.json");
+    EXPECT_EQ(options.files, (std::vector<std::string>{"in.png"}));
+    ASSERT_TRUE(check({"--lines", "auto", "--autofind", "--detect-frames", "1001,1050,1090-1100",
+                       "--frames", "1001-1100", "in.####.png", "out.####.png"},
+                      &options)
+                    .ok());
+    EXPECT_EQ(options.linesPath, "auto");
+    EXPECT_EQ(options.detectFrames, "1001,1050,1090-1100");
+    std::vector<unsigned> frames;
+    std::string error;
+    ASSERT_TRUE(parseDetectFrames("12,3-5,4", &frames, &error));
+    EXPECT_EQ(frames, (std::vector<unsigned>{3, 4, 5, 12}));  // ascending, once each
+    // Without --detect-frames: up to five frames spread evenly, first and last among them.
+    options.detectFrames.clear();
+    EXPECT_EQ(detectionFrames(options, {1, 2, 3}), (std::vector<unsigned>{1, 2, 3}));
+    std::vector<unsigned> hundred;
+    for (unsigned f = 1001; f <= 1100; ++f) hundred.push_back(f);
+    EXPECT_EQ(detectionFrames(options, hundred),
+              (std::vector<unsigned>{1001, 1025, 1050, 1075, 1100}));
+
+    EXPECT_EQ(refusal({"--detect-lines", "l.json"}), "--detect-lines LINES.json takes one INPUT");
+    EXPECT_EQ(refusal({"--detect-lines", "l.json", "a.png", "b.png"}),
+              "--detect-lines LINES.json takes one INPUT");
+    EXPECT_EQ(refusal({"--detect-lines"}), "--detect-lines needs a value");
+    // The mode option given second is the one named.
+    EXPECT_EQ(refusal({"--detect-lines", "l.json", "--trace-chart", "a", "b"}),
+              "--trace-chart cannot be combined with another mode option");
+    EXPECT_EQ(refusal({"--trace-chart", "a", "b", "--detect-lines", "l.json"}),
+              "--detect-lines cannot be combined with another mode option");
+    EXPECT_EQ(refusal({"--detect-lines", "./in.png", "in.png"}),
+              "--detect-lines ./in.png is also the INPUT");
+    EXPECT_EQ(refusal({"--detect-lines", "l.json", "--autofind", "in.png"}),
+              "--lines, --autofind and --overlay work on an INPUT and OUTPUT");
+    EXPECT_EQ(refusal({"--detect-frames", "3", "in.png", "out.png"}),
+              "--detect-frames chooses the frames of --lines auto or --detect-lines");
+    EXPECT_EQ(refusal({"--detect-frames", "3", "--lines", "l.json", "in.png", "out.png"}),
+              "--detect-frames chooses the frames of --lines auto or --detect-lines");
+    for (const char* bad : {"x", "5-2", "1,,2", "-3", "1-", "2-3-4", "1,"})
+        EXPECT_EQ(refusal({"--detect-frames", bad, "--lines", "auto", "in.png", "out.png"}),
+                  std::string("--detect-frames takes frame numbers and ranges A-B separated by "
+                              "commas (such as 1001,1050,1090-1100), not \"") +
+                      bad + "\"");
 }
