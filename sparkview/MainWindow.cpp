@@ -129,8 +129,10 @@ void MainWindow::makeViewMenu() {
 }
 
 void MainWindow::makeLinesMenu() {
-    // The plug-in's own line buttons. Line detection ("Detect Lines") joins here.
+    // Line detection, then the plug-in's own line buttons.
     linesMenu_ = menuBar()->addMenu("&Lines");
+    linesMenu_->addAction("&Detect Lines", QKeySequence(Qt::CTRL | Qt::Key_D), this,
+                          [this] { worker_->detectLines(); });
     linesMenu_->addAction("&AutoFind", this, [this] { pressButtonNamed("AutoFind"); });
     linesMenu_->addAction("&Kill Lines", this, [this] { pressButtonNamed("KillLines"); });
 }

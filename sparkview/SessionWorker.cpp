@@ -262,6 +262,10 @@ void SessionWorker::press(size_t control) {
     post(kOnce, [this, control](StepResult& step) { check(session_->press(control, &step)); });
 }
 
+void SessionWorker::detectLines() {
+    post(kOnce, [this](StepResult& step) { check(session_->detectLines(&step)); });
+}
+
 void SessionWorker::toggleKey(size_t control) {
     post(kOnce, [this, control](StepResult& step) { check(session_->toggleKey(control, &step)); });
 }

@@ -64,6 +64,7 @@ class SessionWorker : public QObject {
     void setEntry(size_t control, int entry);
     void setOn(size_t control, bool on);
     void press(size_t control);
+    void detectLines();
     void toggleKey(size_t control);
     enum class PointerEvent { Move, Press, Drag, Release };
     void pointer(PointerEvent event, const ViewPlacement& view, int sx, int sy, float x, float y,

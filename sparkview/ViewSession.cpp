@@ -1,6 +1,7 @@
 // The viewer's plug-in session.
 #include "ViewSession.h"
 
+#include <LineDetection.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -188,6 +189,27 @@ RunStatus ViewSession::runStartupLines(StepResult* step) {
     std::fflush(stdout);
     status = render(step);
     if (!fitted.empty()) step->message = "AutoFind: " + fitted;
+    return status;
+}
+
+RunStatus ViewSession::detectLines(StepResult* step) {
+    if (!started_)
+        return RunStatus::failure(ExitCode::Usage, "open an image before detecting lines");
+    LinesFound found;
+    RunStatus status = detectPictureLines(picture_, imageName_, &found, options_.processors);
+    if (!status.ok()) return status;
+    GlCommands discarded;  // the actions draw the overlay once; nothing to show of it
+    CaptureScope capture(&discarded);
+    ViewerActions actions(*session_, frame_, total());
+    status = actions.check(true, false, false);
+    if (status.ok()) status = actions.show(picture_);
+    if (status.ok()) status = actions.drawLines(found.lines);
+    if (!status.ok()) return status;
+    linesDrawn_ = true;
+    status = render(step);
+    step->message = "Detect Lines: " + std::to_string(found.lines.lines.size()) +
+                    " line(s) drawn, " + std::to_string(found.detection.rejected.size()) +
+                    " rejected";
     return status;
 }
 

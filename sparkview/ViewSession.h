@@ -100,6 +100,11 @@ class ViewSession {
     // remember: the saved values are the new unchanged state (not for a render's copy).
     RunStatus saveSetup(const std::string& path, bool remember = true);
     RunStatus loadSetup(const std::string& path, StepResult* step);
+    // "Detect Lines": the lines found in the frame shown are drawn into the
+    // plug-in's line set as a user draws them, where they can be deleted or
+    // moved as usual. A frame without usable lines is refused (the message
+    // says why) and nothing is drawn.
+    RunStatus detectLines(StepResult* step);
     // The lines are drawn and kept by the plug-in while it is loaded.
     bool linesDrawn() const { return linesDrawn_; }
     void noteLinesDrawn() { linesDrawn_ = true; }

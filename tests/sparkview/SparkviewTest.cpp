@@ -14,6 +14,7 @@
 #include "OverlayCapture.h"
 #include "ReaderProcess.h"
 #include "SessionWorker.h"
+#include "TestChart.h"
 #include "ViewerGeometry.h"
 
 Q_DECLARE_METATYPE(std::shared_ptr<const DisplayFrame>)
@@ -25,6 +26,7 @@ class SparkviewTest : public QObject {
     void geometryPlacesAndZooms();
     void panelShowsTheRecordsByTheirNames();
     void workerDrivesThePluginAsTheHost();
+    void detectedLinesGoIntoThePlugin();
 
   private:
     // One plug-in session per process, as in the programs.
@@ -133,7 +135,8 @@ void SparkviewTest::workerDrivesThePluginAsTheHost() {
     QSignalSpy& frames = *frames_;
     QSignalSpy messages(&worker, &SessionWorker::message);
     std::vector<ControlValue> values;
-    connect(&worker, &SessionWorker::valuesChanged, this,
+    QObject scope;  // the connection ends with this function, as `values` does
+    connect(&worker, &SessionWorker::valuesChanged, &scope,
             [&values](std::vector<ControlValue> v, bool, bool) { values = v; });
     worker.render();
     QTRY_VERIFY_WITH_TIMEOUT(frames.count() >= 1 && worker.pending() == 0, 30000);
@@ -163,6 +166,43 @@ void SparkviewTest::workerDrivesThePluginAsTheHost() {
     // A key at the current frame shows on the control.
     worker.toggleKey(indexOf("Radial2"));
     QTRY_VERIFY_WITH_TIMEOUT(values.at(indexOf("Radial2")).keyFrames == std::vector<int>{1}, 30000);
+}
+
+// "Detect Lines": a frame without lines is refused and nothing is drawn; a
+// chart's lines are drawn into the plug-in, so AutoFind then has lines. (One
+// session per process: the worker of the other tests opens the chart.)
+void SparkviewTest::detectedLinesGoIntoThePlugin() {
+    SessionWorker& worker = *worker_;
+    QSignalSpy failed(&worker, &SessionWorker::failed);
+    QSignalSpy messages(&worker, &SessionWorker::message);
+    worker.detectLines();
+    QTRY_VERIFY_WITH_TIMEOUT(!failed.isEmpty(), 30000);
+    QCOMPARE(failed.last().at(1).toInt(), static_cast<int>(ExitCode::Input));
+    failed.clear();
+
+    const std::string chart = folder_.filePath("chart.png").toStdString();
+    QVERIFY(writeTestChart(chart, kChartWidth, kChartHeight).ok());
+    QSignalSpy opened(&worker, &SessionWorker::opened);
+    bool linesDrawn = false;
+    QObject scope;  // the connection ends with this function, as `linesDrawn` does
+    connect(&worker, &SessionWorker::valuesChanged, &scope,
+            [&linesDrawn](std::vector<ControlValue>, bool, bool drawn) { linesDrawn = drawn; });
+    worker.open(QString::fromStdString(chart), QString());
+    QVERIFY(opened.wait(30000));
+    messages.clear();
+    worker.detectLines();
+    QTRY_VERIFY_WITH_TIMEOUT(!messages.isEmpty() || !failed.isEmpty(), 60000);
+    QVERIFY2(failed.isEmpty(), qPrintable(failed.isEmpty() ? "" : failed.last().at(0).toString()));
+    const QString said = messages.last().at(0).toString();
+    QVERIFY2(said.startsWith("Detect Lines: ") && !said.startsWith("Detect Lines: 0 "),
+             qPrintable(said));
+    QTRY_VERIFY_WITH_TIMEOUT(linesDrawn, 5000);
+    const auto& d = worker.descriptions();
+    for (size_t i = 0; i < d.size(); ++i)
+        if (d[i].name == "AutoFind") worker.press(i);
+    QTRY_VERIFY_WITH_TIMEOUT(worker.pending() == 0, 60000);
+    for (const auto& message : messages)
+        QVERIFY(message.at(0).toString() != "Need drawn lines to auto remove.");
 }
 
 int main(int argc, char** argv) {
