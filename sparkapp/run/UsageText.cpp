@@ -31,7 +31,8 @@ options:
                          frame, as a user draws them (LineEdit "Add Line", one
                          click per point): JSON {"lines": [[[x, y], ...], ...]},
                          image pixels, x right, y down from the top-left pixel
-                         centre, two points or more a line
+                         centre, two points or more a line; at most 1000 lines
+                         and 10000 points
   --autofind             press AutoFind after the lines are drawn; prints the
                          fitted Radial1 and Radial2, which the frames written
                          use and --save-setup keeps
@@ -59,17 +60,21 @@ utilities:
                          find the test chart's outer grid lines in IMAGE (as
                          distorted or not) and write them as a lines file
 
-exit codes: 0 done; 2 usage (bad option, control name or value; a lines file
-that is not valid JSON or has the wrong shape, a line of fewer than two
-points, a point outside the frame; AutoFind without lines, or with no line of
-three points or more); 3 input (missing, unreadable, damaged or cut-off image,
-set-up or lines file, a frame too large or needing more memory than allowed,
-no chart grid found by --trace-chart); 4 output (missing folder, name too
-long, unsupported format, write failure such as a full disk, --overlay
-without OpenGL off-screen drawing (libOSMesa)); 5 plug-in (not a plug-in,
+exit codes: 0 done; 2 usage (bad option, control name or value; an output
+that is also an input or another output; a lines file that is not valid JSON
+or has the wrong shape, a line of fewer than two points, a point outside the
+frame; AutoFind without lines, or with no line of three points or more, or
+on lines that do not constrain its fit (it would leave a control's range));
+3 input (missing, unreadable, damaged or cut-off image, set-up or lines file,
+a lines file that is a pipe or a device, a frame too large or needing more
+memory than allowed, no chart grid found by --trace-chart); 4 output
+(missing folder, name too long, unsupported format, an output name that is
+a device or a pipe, write failure such as a full disk, --overlay without
+OpenGL off-screen drawing (libOSMesa) or of a frame above 16384 pixels a
+side); 5 plug-in (not a plug-in,
 declined to start, lacks the viewer entry points or controls --lines,
 --autofind or --overlay need); 6 processing (no frame returned); 7 out of
-memory while working; 8 internal error; 129, 130, 143 stopped by SIGHUP,
+memory while working, in the tool or in the plug-in; 8 internal error; 129, 130, 143 stopped by SIGHUP,
 SIGINT, SIGTERM (the file being written is removed); a crash prints a line
 and ends by its signal (128 + N, e.g. 139)
 )";
