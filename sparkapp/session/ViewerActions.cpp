@@ -33,7 +33,8 @@ const char* const kFitted[] = {"Radial1",    "Radial2",  "XCurvature",
 const size_t kFittedPoints = 3;
 const char kAutoPreview[] = "Auto Preview";
 const char kUnconstrained[] =
-    "the lines do not constrain the fit (coincident or doubled points, or a single short line)";
+    "the lines do not constrain the fit (coincident or doubled points, a single short line, or "
+    "lines that disagree)";
 
 RunStatus pluginLacks(const std::string& what, const std::string& option) {
     return RunStatus::failure(ExitCode::Plugin, "the plug-in has no " + what + ": " + option +
@@ -57,12 +58,12 @@ int& menuValue(const Control& menu) { return static_cast<SparkPupStruct*>(menu.r
 // an inner point that lies on neither end. The plug-in measures how far the
 // inner points lie from the line between the ends; with every inner point on
 // an end that is 0 whatever the coefficients, and its search steps without
-// end. Points are compared as they are clicked (floats).
-bool constrains(const std::vector<LinePoint>& line) {
+// end. Points are compared as they are clicked on a frame of this height.
+bool constrains(const std::vector<LinePoint>& line, int height) {
     if (line.size() < kFittedPoints) return false;
-    auto same = [](const LinePoint& a, const LinePoint& b) {
+    auto same = [height](const LinePoint& a, const LinePoint& b) {
         return static_cast<float>(a.x) == static_cast<float>(b.x) &&
-               static_cast<float>(a.y) == static_cast<float>(b.y);
+               static_cast<float>(height - 1 - a.y) == static_cast<float>(height - 1 - b.y);
     };
     for (size_t p = 1; p + 1 < line.size(); ++p)
         if (!same(line[p], line.front()) && !same(line[p], line.back())) return true;
@@ -201,7 +202,7 @@ RunStatus ViewerActions::drawEach(const Control& lineEdit, const LinesFile& line
         if (!status.ok()) return status;
         ++linesDrawn_;
         if (lines.lines[l].size() >= kFittedPoints) ++linesWithAFit_;
-        if (constrains(lines.lines[l])) ++linesThatConstrain_;
+        if (constrains(lines.lines[l], height)) ++linesThatConstrain_;
     }
     return RunStatus::success();
 }
