@@ -7,7 +7,8 @@
 // error; a frame
 // range is a run of consecutive frames of at most a million; a value that
 // --set or --key takes leaves its record finite and inside its range, a
-// menu on one of its entries, a check box 0 or 1.
+// menu on one of its entries, a check box 0 or 1; two file patterns share a
+// file exactly when a frame's name of one is a frame's name of the other.
 #include <SimHost.h>
 
 #include <cmath>
@@ -84,6 +85,41 @@ void checkValue(const Control& control) {
         if (on != 0 && on != 1) fail("a check box is not 0 or 1", control.symbol);
     }
 }
+// The first two files as patterns over the run's frames: a shared file that
+// sharesFile names is one, and one found at the range's ends, or at the
+// frames the input's bytes give, is not missed.
+void checkSharing(const RunOptions& options, const uint8_t* data, size_t size) {
+    if (options.files.size() < 2) return;
+    FramePattern a, b;
+    std::string error;
+    if (!FramePattern::parse(options.files[0], &a, &error) ||
+        !FramePattern::parse(options.files[1], &b, &error))
+        return;
+    unsigned first = 0;
+    unsigned last = 4294967295u;
+    std::vector<unsigned> frames;
+    if (!options.frames.empty() && parseFrameRange(options.frames, &frames, &error)) {
+        first = frames.front();
+        last = frames.back();
+    }
+    auto inRange = [&](unsigned f) { return f >= first && f <= last; };
+    unsigned frame = 0;
+    unsigned theirs = 0;
+    const bool shared = a.sharesFile(b, first, last, &frame);
+    if (shared && (!inRange(frame) || !b.holds(a.fileFor(frame), &theirs) ||
+                   (b.isSequence() && !inRange(theirs))))
+        fail("a shared file that is not one", options.files[0] + " " + options.files[1]);
+    std::vector<unsigned> tried = {first, last, first + 1, last - 1};
+    for (size_t i = 0; i + 4 <= size && i < 64; i += 4) {
+        unsigned f = 0;
+        std::memcpy(&f, data + i, 4);
+        tried.push_back(f);
+    }
+    for (unsigned f : tried)
+        if (inRange(f) && b.holds(a.fileFor(f), &theirs) && (!b.isSequence() || inRange(theirs)) &&
+            !shared)
+            fail("a shared file missed", options.files[0] + " " + options.files[1]);
+}
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
@@ -147,6 +183,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                     fail("a frame range is not consecutive", options.frames);
         }
     }
+    checkSharing(options, data, size);
     restoreRecords();
     for (const std::string& assignment : options.sets) {
         const Control* control = nullptr;

@@ -1,7 +1,8 @@
 // Fuzz target: sparkrun's lines file reader fed any bytes. Beyond not
 // crashing: a refusal names a line and column, an accepted file has lines of
-// at least two finite points, and what it formats reads back as the same
-// number of lines and points.
+// at least two finite points and no more lines and points than a lines file
+// holds, and what it formats reads back as the same number of lines and
+// points.
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -22,7 +23,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         for (const LinePoint& p : line)
             if (!std::isfinite(p.x) || !std::isfinite(p.y)) std::abort();
     }
+    size_t points = 0;
+    for (const auto& line : lines.lines) points += line.size();
+    if (lines.lines.size() > kMaxLines || points > kMaxPoints) std::abort();
     checkLinesInFrame(lines, 64, 48, error);
+    coincidentPoints(lines);
     LinesFile again;
     if (!parseLinesText(formatLinesText(lines), again, error)) {
         // A point too large for three decimals' formatting still reads back.

@@ -9,11 +9,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <vector>
 
 namespace safeio {
 
@@ -27,6 +29,7 @@ const int kCreateAttempts = 100;
 const int kSlots = 16;  // temporaries open at once; a program has one or two
 const size_t kMaxTagBytes = 32;
 const size_t kSlotBytes = 4096;
+const size_t kRewriteChunk = 1 << 20;
 const unsigned kFnvOffset = 2166136261u;
 const unsigned kFnvPrime = 16777619u;
 const char kLetters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
@@ -247,6 +250,21 @@ size_t OutputFile::readAt(void* data, size_t size, uint64_t offset) {
     return done;
 }
 
+bool OutputFile::rewriteInPlace() {
+    if (fd_ < 0 || !failure_.empty()) return false;
+    const uint64_t total = size();
+    std::vector<unsigned char> chunk(kRewriteChunk);
+    for (uint64_t at = 0; at < total; at += chunk.size()) {
+        const size_t count = static_cast<size_t>(std::min<uint64_t>(chunk.size(), total - at));
+        if (readAt(chunk.data(), count, at) != count) {
+            failure_ = "the written file does not read back";
+            return false;
+        }
+        if (!writeAt(chunk.data(), count, at)) return false;
+    }
+    return true;
+}
+
 uint64_t OutputFile::size() const {
     struct stat status;
     if (fd_ < 0 || fstat(fd_, &status) != 0) return end_;
@@ -262,6 +280,12 @@ bool OutputFile::commit(std::string* error) {
     if (failure_.empty() && fsync(fd_) != 0) failure_ = std::strerror(errno);
     if (::close(fd_) != 0 && failure_.empty()) failure_ = std::strerror(errno);
     fd_ = -1;
+    // A device, a pipe or a socket under the target's name is never replaced
+    // by a file (as root, a set-up saved as /dev/null would replace it).
+    struct stat existing;
+    if (failure_.empty() && lstat(target_.c_str(), &existing) == 0 && !S_ISREG(existing.st_mode) &&
+        !S_ISLNK(existing.st_mode))
+        failure_ = "it exists and is not a regular file";
     if (!failure_.empty()) {
         *error = failure_;
         discard();

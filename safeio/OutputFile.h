@@ -48,11 +48,20 @@ class OutputFile {
     size_t readAt(void* data, size_t size, uint64_t offset);
     uint64_t size() const;
 
+    // For a writer that wrote the temporary by its name, not through this
+    // object: every byte is read and written again through the checked
+    // writes, so that a write it lost without saying fails here with the
+    // disk's reason (a writer that seeks past a write refused by a full disk
+    // leaves a hole, which reads back as zeros). False with the failure kept.
+    bool rewriteInPlace();
+
     // The first write failure, empty when none.
     const std::string& failure() const { return failure_; }
 
     // fsync, close, rename over the target. On any failure the temporary is
-    // removed and *error tells why (the first write failure wins).
+    // removed and *error tells why (the first write failure wins). A target
+    // that exists and is neither a regular file nor a link (a device, a
+    // pipe, a socket) is not replaced: that is a failure too.
     bool commit(std::string* error);
     // Removes the temporary.
     void discard();

@@ -6,6 +6,7 @@
 // formatted while recording is off.
 #pragma once
 
+#include <new>
 #include <string>
 
 #include "SimHost.h"
@@ -18,11 +19,17 @@ std::string argText(long value);
 std::string argText(double value);
 std::string argText(const char* text);
 
-// Records the call name(args...) when the host records calls.
+// Records the call name(args...) when the host records calls. A call that
+// cannot be recorded for lack of memory is left out: host functions throw
+// nothing at the plug-in.
 template <class... Args>
 void note(const char* name, const Args&... args) {
     Host& host = Host::instance();
-    if (host.recording()) host.record(name, {argText(args)...});
+    if (!host.recording()) return;
+    try {
+        host.record(name, {argText(args)...});
+    } catch (const std::bad_alloc&) {
+    }
 }
 
 }  // namespace simhost

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <new>
 
 #include "CallText.h"
 
@@ -116,10 +117,16 @@ void Host::reset() {
     clearCalls();
 }
 
+// A message that cannot be kept for lack of memory is dropped: nothing
+// thrown may reach the plug-in, whose entry guard reports its own failures
+// through this very function (a second throw there would end the process).
 void Host::deliverMessage(const char* text) {
     if (!messageSink) return;
     std::lock_guard<std::mutex> lock(mutex_);
-    messageSink(argText(text));
+    try {
+        messageSink(argText(text));
+    } catch (const std::bad_alloc&) {
+    }
 }
 
 void Host::record(const std::string& name, std::vector<std::string> args) {

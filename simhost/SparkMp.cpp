@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <exception>
 #include <thread>
 #include <vector>
 
@@ -90,18 +91,29 @@ void sparkMpFork(void (*fn)(), int argCount, ...) {
     const int workers = std::max(1, Host::instance().processors);
     // Workers 1 and up run on threads of their own; worker 0 runs on the
     // calling thread meanwhile, as a host's own thread takes a share.
+    // A share whose thread cannot start (no memory for its stack) runs on
+    // the calling thread afterwards, so every share is done either way.
     std::vector<std::thread> threads;
-    threads.reserve(static_cast<size_t>(workers - 1));
-    for (int index = 1; index < workers; ++index) {
-        threads.emplace_back([fn, &args, index] {
-            currentWorker = index;
-            callWithArgs(fn, args);
-            currentWorker = kOutsideWorker;
-        });
+    int unstarted = 1;  // the first share without a thread
+    try {
+        threads.reserve(static_cast<size_t>(workers - 1));
+        for (; unstarted < workers; ++unstarted) {
+            const int index = unstarted;
+            threads.emplace_back([fn, &args, index] {
+                currentWorker = index;
+                callWithArgs(fn, args);
+                currentWorker = kOutsideWorker;
+            });
+        }
+    } catch (const std::exception&) {
     }
     const int outer = currentWorker;
     currentWorker = 0;
     callWithArgs(fn, args);
+    for (int index = unstarted; index < workers; ++index) {
+        currentWorker = index;
+        callWithArgs(fn, args);
+    }
     currentWorker = outer;
     for (std::thread& thread : threads) thread.join();
 }

@@ -17,8 +17,6 @@ namespace simhost {
 
 namespace {
 
-constexpr long kMaxPictureSide = 16384;  // OSMesa's largest buffer side
-
 // The OSMesa library, loaded once with RTLD_LOCAL so that its gl* symbols
 // never take the place of the host's recording ones, and kept loaded.
 struct OsMesa {

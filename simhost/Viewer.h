@@ -68,6 +68,9 @@ class Viewer {
     // Whether OSMesa can be loaded; the message says why not.
     static bool available(std::string* error = nullptr);
 
+    // The largest picture side OSMesa draws.
+    static constexpr long kMaxPictureSide = 16384;
+
     // Draws plugin's SparkOverlay for the frame size of `info` into `picture`.
     // With a background (a top-first picture of the frame's own size), the
     // frame is shown under the overlay, each frame pixel spread over its

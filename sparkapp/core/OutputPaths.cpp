@@ -37,8 +37,26 @@ std::string resolvedPath(const std::string& path) {
     return (error ? absolute : resolved).lexically_normal().string();
 }
 
+std::string namedPath(const std::string& path) {
+    const std::string base = baseOf(path);
+    if (base.empty() || base == "." || base == "..") return resolvedPath(path);
+    const std::string folder = resolvedPath(folderOf(path));
+    return folder == "/" ? folder + base : folder + "/" + base;
+}
+
 bool sameFile(const std::string& a, const std::string& b) {
     return a == b || resolvedPath(a) == resolvedPath(b);
+}
+
+RunStatus checkOutputKind(const std::string& path) {
+    struct stat status;
+    if (lstat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode) || S_ISLNK(status.st_mode))
+        return RunStatus::success();
+    const char* kind = S_ISDIR(status.st_mode)    ? "a folder"
+                       : S_ISFIFO(status.st_mode) ? "a pipe (FIFO)"
+                       : S_ISSOCK(status.st_mode) ? "a socket"
+                                                  : "a device";
+    return outputFailure("output is " + std::string(kind) + ", not a regular file: " + path);
 }
 
 RunStatus checkOutputFolder(const std::string& path) {
@@ -61,7 +79,7 @@ RunStatus checkOutputFolder(const std::string& path) {
                              std::to_string(nameMax) + " bytes): " + base);
     if (stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
         return outputFailure("output is a folder: " + path);
-    return RunStatus::success();
+    return checkOutputKind(path);
 }
 
 void sweepStaleTemporaries(const std::string& path, time_t runStart, bool verbose) {

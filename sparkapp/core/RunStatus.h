@@ -4,14 +4,20 @@
 // on stderr and exits with the code. The codes are part of the tool's
 // interface (scripts test them), so they never change meaning:
 //   0 success
-//   2 usage: bad option, unknown control name, value outside a control's range
+//   2 usage: bad option, unknown control name, value outside a control's range,
+//            an output name that is also an input or another output, lines
+//            that do not constrain AutoFind's fit (a fit that would leave a
+//            control's range is refused)
 //   3 input: missing, unreadable or unsupported input image or set-up,
 //            a frame size a host frame cannot hold
-//   4 output: missing output folder, unsupported output format, write failure
+//   4 output: missing output folder, unsupported output format, write failure,
+//            an output name held by something that is not a regular file
+//            (a device, a pipe)
 //   5 plug-in: not a plug-in, missing entry point, plug-in declined to start
 //   6 processing: SparkProcess returned no frame
 //   7 memory: an allocation failed while working (the frame passed the
-//            estimate, or --max-memory raised the limit)
+//            estimate, or --max-memory raised the limit), in the tool or in
+//            a plug-in call
 //   8 internal: an unexpected exception (a fault in sparkrun or the plug-in)
 //   9 display: a window program cannot open its window (no display, no
 //            OpenGL with the compatibility profile)

@@ -7,7 +7,11 @@
 // pixelAspect is the file's pixel aspect ratio (1 when it states none);
 // dateTime the file's own date ("YYYY:MM:DD HH:MM:SS", its DateTime or else
 // its modification time in UTC), which outputs made from it carry, so that
-// the same frame rendered twice gives the same bytes.
+// the same frame rendered twice gives the same bytes. The picture is the
+// file's display window (OpenEXR's; the whole picture for other formats);
+// origin is where that window's top-left pixel lies in the file's pixel
+// coordinates (0, 0 but for a display window placed elsewhere), which
+// outputs keep.
 #pragma once
 
 #include <cstddef>
@@ -17,6 +21,11 @@
 
 const int kRgbChannels = 3;
 
+struct FrameOrigin {
+    int x = 0;
+    int y = 0;
+};
+
 struct FilePixels {
     int width = 0;
     int height = 0;
@@ -24,6 +33,7 @@ struct FilePixels {
     int bitsPerSample = 8;
     float pixelAspect = 1.0f;
     std::string dateTime;
+    FrameOrigin origin;
     std::vector<uint16_t> words;  // 3 per pixel when !isFloat
     std::vector<float> reals;     // 3 per pixel when isFloat
 

@@ -31,10 +31,17 @@ bool parseFrame(const std::string& text, unsigned* frame) {
 }
 }  // namespace
 
+FramePattern FramePattern::single(const std::string& name) {
+    FramePattern pattern;
+    pattern.name_ = pattern.prefix_ = name;
+    return pattern;
+}
+
 bool FramePattern::parse(const std::string& name, FramePattern* pattern, std::string* error) {
     const size_t slash = name.rfind('/');
     const size_t start = slash == std::string::npos ? 0 : slash + 1;
     FramePattern found;
+    found.name_ = name;
     found.prefix_ = name;
     int marks = 0;
     for (size_t i = start; i < name.size(); ++i) {
@@ -108,9 +115,10 @@ std::vector<unsigned> FramePattern::existingFrames() const {
 
 // The frame whose file name (without folder) is name: exactly what fileFor
 // would make for it.
+std::string FramePattern::head() const { return baseOf(prefix_); }
+
 bool FramePattern::frameOfName(const std::string& name, unsigned* frame) const {
-    const size_t slash = prefix_.rfind('/');
-    const std::string head = slash == std::string::npos ? prefix_ : prefix_.substr(slash + 1);
+    const std::string head = this->head();
     if (name.size() <= head.size() + suffix_.size()) return false;
     if (name.compare(0, head.size(), head) != 0) return false;
     if (name.compare(name.size() - suffix_.size(), suffix_.size(), suffix_) != 0) return false;
@@ -119,18 +127,79 @@ bool FramePattern::frameOfName(const std::string& name, unsigned* frame) const {
 }
 
 bool FramePattern::holds(const std::string& path, unsigned* frame) const {
-    const std::string given = resolvedPath(path);
+    const std::string given = namedPath(path);
     unsigned found = 0;
     if (!marked_) {
-        if (given != resolvedPath(prefix_)) return false;
+        if (given != namedPath(prefix_)) return false;
     } else {
-        // The folder resolved as a file's in it is, so that "." and "dir/" compare alike.
-        const std::string sample = resolvedPath(fileFor(0));
-        if (folderOf(given) != folderOf(sample) || !frameOfName(baseOf(given), &found))
+        // The folders resolved, so that "." and "dir/" compare alike.
+        if (folderOf(given) != folderOf(namedPath(fileFor(0))) ||
+            !frameOfName(baseOf(given), &found))
             return false;
     }
     if (frame) *frame = found;
     return true;
+}
+
+bool FramePattern::sharesFile(const FramePattern& other, unsigned first, unsigned last,
+                              unsigned* frame) const {
+    auto inRange = [first, last](unsigned f) { return f >= first && f <= last; };
+    unsigned found = first;  // a name without a mark is every frame's
+    bool shared = false;
+    if (!other.marked_) {
+        shared = holds(other.prefix_, &found) && (!marked_ || inRange(found));
+        if (!marked_) found = first;
+    } else if (!marked_) {
+        unsigned theirs = 0;
+        shared = other.holds(prefix_, &theirs) && inRange(theirs);
+    } else if (folderOf(namedPath(fileFor(0))) == folderOf(namedPath(other.fileFor(0))) &&
+               sharesName(other, &found)) {
+        // Some frames share a name; whether frames of the range do is tried
+        // frame by frame (a range holds at most a million frames).
+        shared = last - first >= kMaxFrameCount;
+        for (unsigned theirs = first; !shared; ++theirs) {
+            shared = frameOfName(baseOf(other.fileFor(theirs)), &found) && inRange(found);
+            if (theirs == last) break;
+        }
+    }
+    if (shared && frame) *frame = found;
+    return shared;
+}
+
+// A file name both marked patterns make, at any frames. Each pair of digit
+// counts is tried with the digits that neither pattern's text fixes made as
+// small as a frame number allows (a frame wider than its padding starts
+// with 1 or more), so that no other choice could fit where this one fails.
+bool FramePattern::sharesName(const FramePattern& other, unsigned* frame) const {
+    const std::string ourHead = head();
+    const std::string theirHead = other.head();
+    for (int ours = std::max(padding_, 1); ours <= kMaxPadding; ++ours) {
+        const size_t size = ourHead.size() + ours + suffix_.size();
+        const size_t theirText = theirHead.size() + other.suffix_.size();
+        const int theirs = static_cast<int>(size) - static_cast<int>(theirText);
+        if (theirs < std::max(other.padding_, 1) || theirs > kMaxPadding) continue;
+        std::string name(size, '\0');  // '\0': a digit neither text fixes
+        bool fits = true;
+        auto place = [&name, &fits](const std::string& text, size_t at) {
+            for (size_t i = 0; i < text.size(); ++i) {
+                fits = fits && (!name[at + i] || name[at + i] == text[i]);
+                name[at + i] = text[i];
+            }
+        };
+        place(ourHead, 0);
+        place(suffix_, size - suffix_.size());
+        place(theirHead, 0);
+        place(other.suffix_, size - other.suffix_.size());
+        if (!fits) continue;
+        for (size_t i = 0; i < size; ++i) {
+            const bool leads = (i == ourHead.size() && ours > std::max(padding_, 1)) ||
+                               (i == theirHead.size() && theirs > std::max(other.padding_, 1));
+            if (!name[i]) name[i] = leads ? '1' : '0';
+        }
+        unsigned theirFrame = 0;
+        if (frameOfName(name, frame) && other.frameOfName(name, &theirFrame)) return true;
+    }
+    return false;
 }
 
 bool parseFrameRange(const std::string& text, std::vector<unsigned>* frames, std::string* error) {

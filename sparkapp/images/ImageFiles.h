@@ -3,7 +3,9 @@
 //
 // Reading accepts anything OpenImageIO reads (PNG, TIFF, JPEG, DPX, OpenEXR,
 // ...): the first subimage, greyscale expanded to RGB, alpha and further
-// channels dropped. A frame must be 1..kMaxFrameSide pixels on each side and
+// channels dropped. The frame is the display window: data outside it (an
+// overscan plate's margin) is left out, and its pixels without data are
+// black. A frame must be 1..kMaxFrameSide pixels on each side and
 // its host buffer at most kMaxFrameBytes bytes (the host's FrameBytes is an
 // int). Decoding runs in a reader process (ReaderProcess.h), so that a
 // library that aborts on a damaged file cannot take the tool with it; any
@@ -16,8 +18,12 @@
 // (safeio::OutputFile) through a checked stream, and is renamed into place
 // only when the writer, the sync and the close all succeeded, so a failure
 // (a full disk, a size limit) leaves neither the output nor a temporary.
-// Writers that cannot write to a stream (a few rare formats) write the
-// temporary by its name and the result is read back before it is kept.
+// Writers that cannot write to a stream (a few rare formats: SGI, HEIF and
+// AVIF, FITS, ICO, RLA) write the temporary by its name; what they wrote is
+// then written again through the checked file (a write they lost without
+// saying, such as one refused by a full disk before a seek, fails there)
+// and read back before it is kept. The same frame gives the same bytes in
+// every format (SGI's image name is the file's name).
 #pragma once
 
 #include <cstdint>
@@ -70,6 +76,8 @@ SampleType outputSampleType(const std::string& path, int hostDepth);
 
 // Writes an RGB picture of width x height whose samples are in result. A
 // non-empty dateTime is stored as the picture's date (formats that stamp
-// one otherwise stamp the time of writing).
+// one otherwise stamp the time of writing). The picture is the display
+// window and the data window, both at origin (formats that keep neither
+// keep the pixels alone).
 RunStatus writeImage(const std::string& path, int width, int height, const RgbSamples& result,
-                     const std::string& dateTime = "");
+                     const std::string& dateTime = "", FrameOrigin origin = {});

@@ -91,33 +91,66 @@ RunStatus openImage(const std::string& path, OpenedImage* image) {
     return RunStatus::success();
 }
 
+// The frame of a file is its display window (the data window of formats
+// without one). The data may cover more (overscan, cut away) or less (the
+// rest is black); both windows are in the file's pixel coordinates.
+struct FrameWindow {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+};
+
+FrameWindow displayWindow(const OIIO::ImageSpec& header) {
+    if (header.full_width < 1 || header.full_height < 1)
+        return {header.x, header.y, header.width, header.height};
+    return {header.full_x, header.full_y, header.full_width, header.full_height};
+}
+
+bool coversDataWindow(const FrameWindow& frame, const OIIO::ImageSpec& header) {
+    return frame.x == header.x && frame.y == header.y && frame.width == header.width &&
+           frame.height == header.height;
+}
+
 // Header checks: the frame's size against the host's limits and the
 // sequence, and the memory it needs against what the request allows.
 RunStatus checkFrameHeader(const std::string& path, const OIIO::ImageSpec& header,
                            const ReadRequest& request, int useDepth) {
-    const std::string size = std::to_string(header.width) + "x" + std::to_string(header.height);
-    if (header.width < 1 || header.height < 1 || header.width > kMaxFrameSide ||
-        header.height > kMaxFrameSide)
-        return inputFailure("input " + path + " is " + size + ": a frame must be 1 to " +
-                            std::to_string(kMaxFrameSide) + " pixels on each side");
-    const size_t bytes = hostFrameBytes(header.width, header.height, useDepth);
+    const FrameWindow frame = displayWindow(header);
+    const std::string size = std::to_string(frame.width) + "x" + std::to_string(frame.height);
+    // The data window is decoded whole before the frame is cut from it.
+    if (frame.width < 1 || frame.height < 1 || frame.width > kMaxFrameSide ||
+        frame.height > kMaxFrameSide || header.width < 1 || header.height < 1 ||
+        header.width > kMaxFrameSide || header.height > kMaxFrameSide)
+        return inputFailure(
+            "input " + path + " is " + size +
+            (coversDataWindow(frame, header) ? ""
+                                             : " (its data " + std::to_string(header.width) + "x" +
+                                                   std::to_string(header.height) + ")") +
+            ": a frame must be 1 to " + std::to_string(kMaxFrameSide) + " pixels on each side");
+    const size_t bytes = hostFrameBytes(frame.width, frame.height, useDepth);
     if (bytes > static_cast<size_t>(kMaxFrameBytes))
         return inputFailure("input " + path + " is " + size + ": its host frame would need " +
                             std::to_string(bytes) + " bytes, more than the host's limit of " +
                             std::to_string(kMaxFrameBytes));
     if (request.expectWidth &&
-        (header.width != request.expectWidth || header.height != request.expectHeight))
+        (frame.width != request.expectWidth || frame.height != request.expectHeight))
         return inputFailure("input " + path + " is " + size + ", the sequence is " +
                             std::to_string(request.expectWidth) + "x" +
                             std::to_string(request.expectHeight));
     FrameShape shape;
-    shape.width = header.width;
-    shape.height = header.height;
+    shape.width = frame.width;
+    shape.height = frame.height;
     shape.fileChannels = header.nchannels;
     shape.fileSampleBytes = static_cast<int>(header.format.size());
     shape.isFloat = header.format.is_floating_point();
     shape.hostDepth = useDepth;
-    const uint64_t need = frameMemoryNeed(shape, request.forProcessing);
+    uint64_t need = frameMemoryNeed(shape, request.forProcessing);
+    if (!coversDataWindow(frame, header)) {
+        shape.width = header.width;
+        shape.height = header.height;
+        need += frameMemoryNeed(shape, false);
+    }
     if (request.memoryLimit && need > request.memoryLimit)
         return inputFailure("input " + path + " is " + size + ": a frame needs about " +
                             memoryText(need) + ", more than " +
@@ -128,6 +161,43 @@ RunStatus checkFrameHeader(const std::string& path, const OIIO::ImageSpec& heade
     return RunStatus::success();
 }
 
+// The frame's samples from the data window's: rows and columns outside the
+// frame are left out, the frame's pixels without data are 0 (black).
+template <class T>
+std::vector<T> cutToFrame(const std::vector<T>& data, const OIIO::ImageSpec& header,
+                          const FrameWindow& frame, int channels) {
+    std::vector<T> samples(static_cast<size_t>(frame.width) * frame.height * channels, T(0));
+    const int left = std::max(frame.x, header.x);
+    const int right = std::min(frame.x + frame.width, header.x + header.width);
+    for (int y = std::max(frame.y, header.y);
+         left < right && y < std::min(frame.y + frame.height, header.y + header.height); ++y) {
+        const size_t from =
+            (static_cast<size_t>(y - header.y) * header.width + (left - header.x)) * channels;
+        const size_t to =
+            (static_cast<size_t>(y - frame.y) * frame.width + (left - frame.x)) * channels;
+        std::copy_n(data.begin() + from, static_cast<size_t>(right - left) * channels,
+                    samples.begin() + to);
+    }
+    return samples;
+}
+
+// The frame's samples in the given type: the data window decoded, and cut
+// to the frame when the two differ.
+template <class T>
+bool readFrame(OIIO::ImageInput& in, const OIIO::ImageSpec& header, int channels,
+               OIIO::TypeDesc type, std::vector<T>* samples) {
+    const FrameWindow frame = displayWindow(header);
+    const size_t data = static_cast<size_t>(header.width) * static_cast<size_t>(header.height);
+    if (coversDataWindow(frame, header)) {
+        samples->resize(data * channels);
+        return in.read_image(0, 0, 0, channels, type, samples->data());
+    }
+    std::vector<T> decoded(data * channels);
+    if (!in.read_image(0, 0, 0, channels, type, decoded.data())) return false;
+    *samples = cutToFrame(decoded, header, frame, channels);
+    return true;
+}
+
 // Decoding: grey (with or without alpha) reads one channel and becomes RGB;
 // colour reads the first three. A decoder that met a premature end or a bad
 // strip may still say it read the picture; anything it reported means the
@@ -135,16 +205,14 @@ RunStatus checkFrameHeader(const std::string& path, const OIIO::ImageSpec& heade
 RunStatus decodePixels(const std::string& path, OpenedImage& image, FilePixels* read) {
     const OIIO::ImageSpec& header = image.header;
     const int channels = header.nchannels >= kRgbChannels ? kRgbChannels : 1;
-    const size_t pixels = static_cast<size_t>(header.width) * static_cast<size_t>(header.height);
+    const size_t pixels = static_cast<size_t>(read->width) * static_cast<size_t>(read->height);
     OIIO::ImageInput& in = *image.input;
     bool fine;
     if (read->isFloat) {
-        read->reals.resize(pixels * channels);
-        fine = in.read_image(0, 0, 0, channels, OIIO::TypeDesc::FLOAT, read->reals.data());
+        fine = readFrame(in, header, channels, OIIO::TypeDesc::FLOAT, &read->reals);
         if (fine && channels == 1) expandGrey(read->reals, pixels);
     } else {
-        read->words.resize(pixels * channels);
-        fine = in.read_image(0, 0, 0, channels, OIIO::TypeDesc::UINT16, read->words.data());
+        fine = readFrame(in, header, channels, OIIO::TypeDesc::UINT16, &read->words);
         if (fine && channels == 1) expandGrey(read->words, pixels);
     }
     fine = fine && !in.has_error();
@@ -168,9 +236,11 @@ RunStatus decodeImage(const std::string& path, const ReadRequest& request, FileP
     const int useDepth = hostDepthFor(bits, isFloat, request.requestedDepth);
     status = checkFrameHeader(path, header, request, useDepth);
     if (!status.ok()) return status;
+    const FrameWindow frame = displayWindow(header);
     FilePixels read;
-    read.width = header.width;
-    read.height = header.height;
+    read.width = frame.width;
+    read.height = frame.height;
+    read.origin = {frame.x, frame.y};
     read.isFloat = isFloat;
     read.bitsPerSample = bits;
     read.pixelAspect = header.get_float_attribute("PixelAspectRatio", 1.0f);

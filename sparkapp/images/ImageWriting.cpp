@@ -4,6 +4,7 @@
 #include <OutputFile.h>
 
 #include <algorithm>
+#include <memory>
 #include <set>
 #include <vector>
 
@@ -23,6 +24,14 @@ const std::set<std::string>& floatFormats() {
     static const std::set<std::string> formats = {"openexr", "hdr", "fits"};
     return formats;
 }
+
+// Writers that store an image name and, given none, store whatever their
+// memory held there (SGI's 80 bytes): they get the file's own name.
+const std::set<std::string>& namedFormats() {
+    static const std::set<std::string> formats = {"sgi"};
+    return formats;
+}
+const size_t kMaxImageName = 79;
 
 std::string trimmedError(std::string text) {
     while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
@@ -58,12 +67,26 @@ RunStatus outputFailure(const std::string& text) {
 }
 }  // namespace
 
+namespace {
+// The writer for path's format. Writers that stamp the time of writing
+// (RLA, in local time) are left out: the same frame would not give the
+// same bytes twice.
+RunStatus writerFor(const std::string& path, std::unique_ptr<OIIO::ImageOutput>* out) {
+    *out = OIIO::ImageOutput::create(path);
+    if (!*out) return outputFailure("unsupported output format for " + path + ": " + oiioError());
+    const std::string format = (*out)->format_name();
+    if (format == "rla")
+        return outputFailure("unsupported output format for " + path + ": the " + format +
+                             " writer stamps the time of writing, so the same frame would not "
+                             "give the same file twice");
+    return RunStatus::success();
+}
+}  // namespace
+
 RunStatus checkOutputPath(const std::string& path) {
     RunStatus status = checkOutputFolder(path);
-    if (!status.ok()) return status;
-    auto out = OIIO::ImageOutput::create(path);
-    if (!out) return outputFailure("unsupported output format for " + path + ": " + oiioError());
-    return RunStatus::success();
+    std::unique_ptr<OIIO::ImageOutput> out;
+    return status.ok() ? writerFor(path, &out) : status;
 }
 
 SampleType outputSampleType(const std::string& path, int hostDepth) {
@@ -96,15 +119,21 @@ bool readsBack(const std::string& path, int width, int height, std::string* erro
 }  // namespace
 
 RunStatus writeImage(const std::string& path, int width, int height, const RgbSamples& result,
-                     const std::string& dateTime) {
-    auto out = OIIO::ImageOutput::create(path);
-    if (!out) return outputFailure("unsupported output format for " + path + ": " + oiioError());
+                     const std::string& dateTime, FrameOrigin origin) {
+    std::unique_ptr<OIIO::ImageOutput> out;
+    RunStatus status = writerFor(path, &out);
+    if (!status.ok()) return status;
     out->threads(1);
     OIIO::TypeDesc type = OIIO::TypeDesc::UINT8;
     if (result.type == SampleType::Sixteen) type = OIIO::TypeDesc::UINT16;
     if (result.type == SampleType::Float) type = OIIO::TypeDesc::FLOAT;
     OIIO::ImageSpec header(width, height, kRgbChannels, type);
+    // The frame is the display window, and the data window too.
+    header.x = header.full_x = origin.x;
+    header.y = header.full_y = origin.y;
     if (!dateTime.empty()) header.attribute("DateTime", dateTime);
+    if (namedFormats().count(out->format_name()))
+        header.attribute("ImageDescription", baseOf(path).substr(0, kMaxImageName));
 
     safeio::OutputFile file;
     std::string reason;
@@ -122,8 +151,14 @@ RunStatus writeImage(const std::string& path, int width, int height, const RgbSa
         // Errors the writer noted without failing a call count too.
         reason = writerFailure(out->geterror());
         fine = fine && reason.empty();
+        // Gone before the temporary may be: some writers write again when
+        // destroyed after a failed close (HEIF), which would re-create it.
+        out.reset();
         stream.flush();
     }
+    // A writer that wrote by name had its writes unchecked: they are made
+    // again through the checked file, and the picture read back.
+    if (fine && !proxied) fine = file.rewriteInPlace();
     // The disk's own answer says more than the writer's report of it.
     if (!file.failure().empty()) reason = file.failure();
     if (fine && file.failure().empty() && !proxied)

@@ -57,6 +57,8 @@ struct Answer {
     uint64_t sampleBytes;
     uint64_t idleResident;  // the reader's resident size when the request came
     char dateTime[kDateBytes];
+    int32_t originX;
+    int32_t originY;
 };
 
 // A "Name: N kB" field of a /proc status file, in bytes; 0 when absent.
@@ -188,6 +190,7 @@ bool receive(RunStatus* status, FilePixels* picture, int* depth) {
     read.bitsPerSample = answer.bitsPerSample;
     read.pixelAspect = answer.pixelAspect;
     read.dateTime.assign(answer.dateTime, strnlen(answer.dateTime, kDateBytes));
+    read.origin = {answer.originX, answer.originY};
     const size_t sampleSize = read.isFloat ? sizeof(float) : sizeof(uint16_t);
     if (read.width < 1 || read.height < 1 || answer.sampleBytes != read.sampleCount() * sampleSize)
         return false;
@@ -234,6 +237,8 @@ bool answerRequest(const std::string& path, const ReadRequest& request) {
         answer.pixelAspect = picture.pixelAspect;
         answer.depth = depth;
         std::strncpy(answer.dateTime, picture.dateTime.c_str(), kDateBytes - 1);
+        answer.originX = picture.origin.x;
+        answer.originY = picture.origin.y;
         answer.sampleBytes = picture.isFloat ? picture.reals.size() * sizeof(float)
                                              : picture.words.size() * sizeof(uint16_t);
         samples = picture.isFloat ? static_cast<const void*>(picture.reals.data())

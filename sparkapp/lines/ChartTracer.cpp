@@ -20,12 +20,21 @@ constexpr double kStrayShare = 0.2;
 // Where a sample may move along its line, in cells, in the order tried.
 constexpr double kShifts[] = {0.0, 0.15, -0.15, 0.3, -0.3};
 
+// A float sample as the chart shows it: 0..1, where a value above 1 is white
+// and one below 0, or not a number, is black (so that no infinity or NaN
+// reaches the arithmetic that follows).
+double shown(float sample) {
+    if (sample > 1.0f) return 1.0;
+    return sample >= 0.0f ? sample : 0.0;
+}
+
 // Luminance, 0..1, of a pixel of the picture.
 double luminance(const FilePixels& picture, int x, int y) {
     const size_t at = (static_cast<size_t>(y) * picture.width + x) * kRgbChannels;
     double r, g, b;
     if (picture.isFloat) {
-        r = picture.reals[at], g = picture.reals[at + 1], b = picture.reals[at + 2];
+        r = shown(picture.reals[at]), g = shown(picture.reals[at + 1]),
+        b = shown(picture.reals[at + 2]);
     } else {
         r = picture.words[at] / 65535.0, g = picture.words[at + 1] / 65535.0,
         b = picture.words[at + 2] / 65535.0;

@@ -5,7 +5,8 @@
 // from the frame's centre outwards; every point is the darkness-weighted
 // centre of the line across a small window, taken halfway between crossing
 // grid lines. Points are in image pixels (x right, y down, pixel centres at
-// integers), ready for a lines file.
+// integers), ready for a lines file. Float pictures are read as shown:
+// values above 1 as white, below 0 and not-a-number as black.
 #pragma once
 
 #include "FilePixels.h"

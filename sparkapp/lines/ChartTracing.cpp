@@ -19,7 +19,15 @@ RunStatus traceChartFile(const std::string& imagePath, const std::string& linesP
     if (lines.lines.empty())
         return RunStatus::failure(ExitCode::Input,
                                   "no grid line of the test chart found in " + imagePath);
+    // What is written must read back as it would for --lines.
     const std::string text = formatLinesText(lines);
+    LinesFile again;
+    std::string fault;
+    if (!parseLinesText(text, again, fault) ||
+        !checkLinesInFrame(again, picture.width, picture.height, fault))
+        return RunStatus::failure(ExitCode::Internal, "internal error: the lines traced in " +
+                                                          imagePath + " would not read back (" +
+                                                          fault + ")");
     safeio::OutputFile file;
     std::string error;
     if (!file.open(linesPath, &error) || !file.write(text.data(), text.size()) ||

@@ -3,15 +3,21 @@
 // and every fault names the line and column of the value that broke it.
 #include "LinesFile.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <nlohmann/json.hpp>
+#include <vector>
 
 namespace {
 
 constexpr std::size_t kMaxFileBytes = 16u << 20;
+constexpr std::size_t kReadChunk = 65536;
 constexpr std::size_t kMaxQuotedBytes = 40;  // a longer number is cut in a message
 
 using Json = nlohmann::json;
@@ -132,6 +138,7 @@ class LinesReader : public nlohmann::json_sax<Json> {
     bool sawLines_ = false;
     std::size_t lineStart_ = 0;
     std::size_t coordinates_ = 0;  // of the point being read
+    std::size_t points_ = 0;       // in all lines so far
 };
 
 bool LinesReader::start_object(std::size_t) {
@@ -162,10 +169,18 @@ bool LinesReader::start_array(std::size_t) {
     if (depth_ == 0 || depth_ >= 4) return fail("expected " + wanted());
     inLines_ = false;
     if (depth_ == 2) {
+        if (lines.lines.size() == kMaxLines)
+            return fail("more than " + std::to_string(kMaxLines) +
+                        " lines (a lines file holds at most " + std::to_string(kMaxLines) + ")");
         lines.lines.emplace_back();
         lineStart_ = at;
     }
     if (depth_ == 3) {
+        if (points_ == kMaxPoints)
+            return fail("more than " + std::to_string(kMaxPoints) +
+                        " points (a lines file holds at most " + std::to_string(kMaxPoints) +
+                        " in all)");
+        ++points_;
         lines.lines.back().emplace_back();
         coordinates_ = 0;
     }
@@ -240,29 +255,58 @@ bool parseLinesText(const std::string& text, LinesFile& out, std::string& error)
 }
 
 bool readLinesFile(const std::string& path, LinesFile& out, std::string& error) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
-        error = "cannot open " + path;
+    // Not blocking: a pipe under the name is refused, never waited on.
+    const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) {
+        error = "cannot open " + path + ": " + std::strerror(errno);
         return false;
     }
+    struct stat status;
     std::string text;
-    char chunk[65536];
-    while (file.read(chunk, sizeof chunk) || file.gcount() > 0) {
-        text.append(chunk, static_cast<std::size_t>(file.gcount()));
+    bool fine = fstat(fd, &status) == 0 && S_ISREG(status.st_mode);
+    if (!fine) error = "cannot read " + path + ": not a regular file";
+    std::vector<char> chunk(kReadChunk);
+    while (fine) {
+        const ssize_t got = ::read(fd, chunk.data(), chunk.size());
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) {
+            fine = got == 0;
+            if (!fine) error = "cannot read " + path + ": " + std::strerror(errno);
+            break;
+        }
+        text.append(chunk.data(), static_cast<std::size_t>(got));
         if (text.size() > kMaxFileBytes) {
             error = path + ": larger than 16 MiB, not a lines file";
-            return false;
+            fine = false;
         }
     }
-    if (file.bad()) {
-        error = "cannot read " + path;
-        return false;
-    }
+    ::close(fd);
+    if (!fine) return false;
     if (!parseLinesText(text, out, error)) {
         error = path + ": " + error;
         return false;
     }
     return true;
+}
+
+std::string coincidentPoints(const LinesFile& lines) {
+    std::size_t count = 0;
+    std::string first;
+    for (std::size_t l = 0; l < lines.lines.size(); ++l) {
+        const std::vector<LinePoint>& line = lines.lines[l];
+        for (std::size_t p = 1; p < line.size(); ++p) {
+            if (line[p].x != line[p - 1].x || line[p].y != line[p - 1].y) continue;
+            if (count++ == 0) {
+                char text[160];
+                std::snprintf(text, sizeof text, "line %zu, points %zu and %zu (%g, %g)", l + 1, p,
+                              p + 1, line[p].x, line[p].y);
+                first = text;
+            }
+        }
+    }
+    if (count == 0) return "";
+    return std::to_string(count) + " pair(s) of consecutive points coincide, the first at " +
+           first + ": a click given twice adds nothing to AutoFind's fit";
 }
 
 bool checkLinesInFrame(const LinesFile& lines, int width, int height, std::string& error) {

@@ -114,7 +114,8 @@ RunStatus renderFrame(const RunOptions& options, const FramePlan& plan, unsigned
     const std::string name = plan.output.fileFor(frame);
     const RgbSamples samples = readHostFrame(result, session.width(), session.height(), depth,
                                              outputSampleType(name, depth), options.floatEncoding);
-    status = writeImage(name, session.width(), session.height(), samples, picture.dateTime);
+    status = writeImage(name, session.width(), session.height(), samples, picture.dateTime,
+                        picture.origin);
     if (status.ok() && options.verbose)
         std::printf(
             "frame %u: %s%s%s  (peak memory: tool %s, reader %s; reader between frames %s)\n",

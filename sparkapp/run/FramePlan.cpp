@@ -3,10 +3,12 @@
 
 #include <Viewer.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
-#include <fstream>
 
 #include "ImageFiles.h"
 #include "LineDetectionRun.h"
@@ -48,6 +50,11 @@ RunStatus checkOutputs(const RunOptions& options, const FramePlan& plan) {
     RunStatus status = checkOutputPath(plan.output.fileFor(plan.frames.front()));
     if (status.ok() && plan.output.isSequence())
         status = checkOutputFolder(plan.output.fileFor(plan.frames.back()));
+    // The frames between, where they exist already.
+    if (status.ok() && plan.output.isSequence())
+        for (unsigned frame : plan.output.existingFrames())
+            if (status.ok() && std::binary_search(plan.frames.begin(), plan.frames.end(), frame))
+                status = checkOutputKind(plan.output.fileFor(frame));
     if (!status.ok() || options.overlayPath.empty()) return status;
     status = checkOutputPath(options.overlayPath);
     if (!status.ok()) return status;
@@ -65,13 +72,20 @@ RunStatus readLines(const std::string& path, LinesFile* lines) {
     if (stat(path.c_str(), &status) != 0)
         return inputFailure("cannot open the lines file " + path + ": " + std::strerror(errno));
     if (S_ISDIR(status.st_mode)) return inputFailure("the lines file " + path + " is a folder");
-    if (!std::ifstream(path))
+    // A pipe or a device would be waited on, or read without end.
+    if (!S_ISREG(status.st_mode))
+        return inputFailure("cannot read the lines file " + path + ": not a regular file");
+    if (access(path.c_str(), R_OK) != 0)
         return inputFailure("cannot open the lines file " + path + ": " + std::strerror(errno));
     std::string error;
     if (!readLinesFile(path, *lines, error))
         return RunStatus::failure(ExitCode::Usage,
                                   "not a lines file: " + error +
                                       " (the form is {\"lines\": [[[x, y], [x, y], ...], ...]})");
+    const std::string coincide = coincidentPoints(*lines);
+    if (!coincide.empty())
+        std::fprintf(stderr, "%s: warning: %s: %s\n", program_invocation_short_name, path.c_str(),
+                     coincide.c_str());
     return RunStatus::success();
 }
 }  // namespace

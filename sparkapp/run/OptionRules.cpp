@@ -6,6 +6,7 @@
 #include <spark.h>
 
 #include <cctype>
+#include <climits>
 #include <cmath>
 #include <cstdlib>
 #include <functional>
@@ -148,20 +149,100 @@ RunStatus logEncoding(const RunOptions& options) {
     return RunStatus::success();
 }
 
-// The overlay picture overwrites no other output.
-RunStatus overlayName(const RunOptions& options) {
-    if (options.overlayPath.empty() || !imagesIn(options)) return RunStatus::success();
-    FramePattern output;
-    std::string error;
-    unsigned frame = 0;
+// A file a run reads or writes, as the clash rule names it: as the subject
+// of its message ("--overlay") or as its object ("an OUTPUT frame").
+struct NamedFile {
+    std::string subject;
+    std::string object;
+    std::string name;
+    bool sequence = false;  // a frame pattern (# or %d), read with the frames
+};
+
+std::vector<NamedFile> filesOf(const RunOptions& options, bool outputs) {
+    std::vector<NamedFile> named;
+    auto add = [&named](const std::string& subject, const std::string& object,
+                        const std::string& name, bool sequence = false) {
+        if (!name.empty()) named.push_back({subject, object, name, sequence});
+    };
+    const std::vector<std::string>& files = options.files;
+    if (outputs) {
+        if (imagesIn(options)) add("OUTPUT", "an OUTPUT frame", files[1], true);
+        if (options.mode == RunMode::TraceChart && files.size() == 2)
+            add("--trace-chart LINES.json", "the --trace-chart LINES.json", files[1]);
+        if (options.mode == RunMode::MakeChart && files.size() == 1)
+            add("--make-chart OUTPUT", "the --make-chart OUTPUT", files[0]);
+        if (options.mode == RunMode::SideBySide && files.size() == 3)
+            add("--side-by-side OUTPUT", "the --side-by-side OUTPUT", files[2]);
+        add("--save-setup", "the --save-setup file", options.saveSetupPath);
+        add("--overlay", "the --overlay file", options.overlayPath);
+        if (options.mode == RunMode::StMap)
+            add("--stmap", "an --stmap map", options.stMapPath, true);
+        add("--to-opencv", "the --to-opencv file", options.toOpenCv);
+        add("--to-lensfun", "the --to-lensfun file", options.toLensfun);
+        if (options.mode == RunMode::DetectLines)
+            add("--detect-lines", "the --detect-lines file", options.detectLinesPath);
+        return named;
+    }
+    if (imagesIn(options)) add("INPUT", "an INPUT frame", files[0], true);
+    if (options.mode == RunMode::TraceChart && files.size() == 2)
+        add("--trace-chart IMAGE", "the --trace-chart IMAGE", files[0]);
+    if (options.mode == RunMode::SideBySide && files.size() == 3) {
+        add("--side-by-side LEFT", "the --side-by-side LEFT", files[0]);
+        add("--side-by-side RIGHT", "the --side-by-side RIGHT", files[1]);
+    }
+    // The modes that read one picture only for its size or its lines.
+    const RunMode mode = options.mode;
+    if ((mode == RunMode::StMap || mode == RunMode::ExportLens || mode == RunMode::DetectLines) &&
+        files.size() == 1)
+        add("INPUT", "the INPUT", files[0], true);
+    add("--setup", "the --setup file", options.setupPath);
+    if (options.linesPath != kAutoLines) add("--lines", "the --lines file", options.linesPath);
+    add("--from-opencv", "the --from-opencv calibration", options.fromOpenCv);
+    return named;
+}
+
+// Whether writing output replaces other, at some frame the run renders (any
+// frame when the frames come from the disk). Names are compared as places to
+// write (a link under a name is replaced, not followed); an input is also
+// the file its name reaches through links, which a write there replaces.
+bool overwrites(const NamedFile& output, const NamedFile& other, bool otherIsInput,
+                const RunOptions& options) {
+    unsigned first = 0;
+    unsigned last = UINT_MAX;
     std::vector<unsigned> frames;
-    if (FramePattern::parse(options.files[1], &output, &error) &&
-        output.holds(options.overlayPath, &frame) &&
-        (options.frames.empty() || !parseFrameRange(options.frames, &frames, &error) ||
-         (frame >= frames.front() && frame <= frames.back())))
-        return usage("--overlay " + options.overlayPath + " is also an OUTPUT frame");
-    if (!options.saveSetupPath.empty() && sameFile(options.overlayPath, options.saveSetupPath))
-        return usage("--overlay " + options.overlayPath + " is also the --save-setup file");
+    std::string error;
+    if (!options.frames.empty() && parseFrameRange(options.frames, &frames, &error)) {
+        first = frames.front();
+        last = frames.back();
+    }
+    FramePattern written = FramePattern::single(output.name);
+    FramePattern named = FramePattern::single(other.name);
+    if ((output.sequence && !FramePattern::parse(output.name, &written, &error)) ||
+        (other.sequence && !FramePattern::parse(other.name, &named, &error)))
+        return false;
+    if (written.sharesFile(named, first, last)) return true;
+    unsigned frame = 0;
+    return otherIsInput && !named.isSequence() && written.holds(resolvedPath(other.name), &frame) &&
+           (!written.isSequence() || (frame >= first && frame <= last));
+}
+
+// No output overwrites an input or another output. A set-up saved over the
+// one loaded is an update of it, as in the host, and not a clash.
+RunStatus namesClash(const RunOptions& options) {
+    const std::vector<NamedFile> inputs = filesOf(options, false);
+    const std::vector<NamedFile> outputs = filesOf(options, true);
+    for (size_t o = 0; o < outputs.size(); ++o) {
+        std::vector<std::pair<const NamedFile*, bool>> others;  // with whether an input
+        for (const NamedFile& input : inputs)
+            if (!(outputs[o].subject == "--save-setup" && input.subject == "--setup"))
+                others.emplace_back(&input, true);
+        for (size_t earlier = 0; earlier < o; ++earlier)
+            others.emplace_back(&outputs[earlier], false);
+        for (const auto& other : others)
+            if (overwrites(outputs[o], *other.first, other.second, options))
+                return usage(outputs[o].subject + " " + outputs[o].name + " is also " +
+                             other.first->object);
+    }
     return RunStatus::success();
 }
 
@@ -240,16 +321,13 @@ RunStatus detectedLines(const RunOptions& options) {
     std::string error;
     if (!options.detectFrames.empty() && !parseDetectFrames(options.detectFrames, &frames, &error))
         return usage(error);
-    if (options.mode == RunMode::DetectLines && options.files.size() == 1 &&
-        sameFile(options.detectLinesPath, options.files[0]))
-        return usage("--detect-lines " + options.detectLinesPath + " is also the INPUT");
     return RunStatus::success();
 }
 
 const std::vector<Rule>& rules() {
     static const std::vector<Rule> all = {
-        oneMode,     setupNames,  viewerProgram, viewerNeedsImages, modeFiles,  namesAndFrames,
-        logEncoding, overlayName, stMapNames,    lensSource,        lensExport, detectedLines};
+        oneMode,     setupNames, viewerProgram, viewerNeedsImages, modeFiles,  namesAndFrames,
+        logEncoding, namesClash, stMapNames,    lensSource,        lensExport, detectedLines};
     return all;
 }
 }  // namespace

@@ -33,6 +33,11 @@ RunStatus prepareOutputs(const RunOptions& options, time_t runStart) {
         sweepStaleTemporaries(options.saveSetupPath, runStart, options.verbose);
     }
     const std::string output = outputOf(options);
+    // The frames' names are checked when the frames are planned.
+    if (!output.empty() && options.mode != RunMode::Process) {
+        const RunStatus status = checkOutputFolder(output);
+        if (!status.ok()) return status;
+    }
     if (!output.empty()) sweepStaleTemporaries(output, runStart, options.verbose);
     for (const std::string* other : {&options.overlayPath, &options.toOpenCv, &options.toLensfun})
         if (!other->empty()) sweepStaleTemporaries(*other, runStart, options.verbose);

@@ -1,6 +1,7 @@
 // OutputNames: before any work, the files a run will write: the --save-setup
-// folder is checked (exit 4 when it cannot take the file) and the
-// temporaries that dead runs left beside each output are removed.
+// name and a utility's output are checked (exit 4 when they cannot be
+// written, OutputPaths.h) and the temporaries that dead runs left beside
+// each output are removed.
 #pragma once
 
 #include <ctime>

@@ -35,7 +35,8 @@ options:
                          frame, as a user draws them (LineEdit "Add Line", one
                          click per point): JSON {"lines": [[[x, y], ...], ...]},
                          image pixels, x right, y down from the top-left pixel
-                         centre, two points or more a line
+                         centre, two points or more a line; at most 1000 lines
+                         and 10000 points
   --lines auto           find the straight lines in the input (as --detect-lines)
                          and draw those; with --autofind: detect, draw and fit
   --detect-frames LIST   frames searched for lines, pooled: 1001,1050,1090-1100
@@ -94,20 +95,15 @@ utilities:
                          rejected (outliers, too curved, blurred, textured,
                          clustered)
 
-exit codes: 0 done; 2 usage (bad option, control name or value; a lines file
-that is not valid JSON or has the wrong shape, a line of fewer than two
-points, a point outside the frame; AutoFind without lines, or with no line of
-three points or more); 3 input (missing, unreadable, damaged or cut-off image,
-set-up or lines file, a frame too large or needing more memory than allowed,
-no chart grid found by --trace-chart, no usable line found by --detect-lines
-or --lines auto; a calibration or lensfun profile that is missing,
-incomplete, not finite, of another frame shape or outside the controls'
-ranges); 4 output (missing folder, name too
-long, unsupported format, write failure such as a full disk, --overlay
-without OpenGL off-screen drawing (libOSMesa)); 5 plug-in (not a plug-in,
+                         centre, two points or more a line; at most 1000 lines
+                         and 10000 points
+  --lines auto           find the straight lines in the input (as --detect-lines)
+                         and draw those; with --autofind: detect, draw and fit
+  --detect-frames LIST   frames searched for lines, pooled: 1001,1050,1090-1100
+                         (default: up to 5 spread over the run's frames)
 declined to start, lacks the viewer entry points or controls --lines,
 --autofind or --overlay need); 6 processing (no frame returned); 7 out of
-memory while working; 8 internal error; 129, 130, 143 stopped by SIGHUP,
+memory while working, in the tool or in the plug-in; 8 internal error; 129, 130, 143 stopped by SIGHUP,
 SIGINT, SIGTERM (the file being written is removed); a crash prints a line
 and ends by its signal (128 + N, e.g. 139)
 )";

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "AllocationWatch.h"
 #include "HostPixels.h"
 #include "PluginConsole.h"
 #include "ProcessSignals.h"
@@ -30,6 +31,8 @@ std::vector<char> writableText(const std::string& text) {
 }  // namespace
 
 SparkSession::SparkSession(bool quiet, int processors) : quiet_(quiet), plugin_(residentPlugin()) {
+    installAllocationWatch();
+    allocationFailed();  // what failed before is not the plug-in's
     simhost::Host& host = simhost::Host::instance();
     host.reset();
     host.processors = processors;
@@ -107,6 +110,8 @@ RunStatus SparkSession::start(int width, int height, int depth, float pixelAspec
     const bool loadedSetup = host.setupLoads > 0;
     relayMessages();
     started_ = true;
+    RunStatus status = checkAllocations("in the plug-in's SparkInitialise");
+    if (!status.ok()) return status;
     if (levels == 0)
         return RunStatus::failure(ExitCode::Plugin,
                                   "the plug-in declined to start (SparkInitialise returned 0)");
@@ -148,6 +153,9 @@ RunStatus SparkSession::process(unsigned frame, unsigned totalFrames, const File
         returned = plugin_.process(info);
     }
     const std::string message = relayMessages();
+    const RunStatus status =
+        checkAllocations("in the plug-in's SparkProcess, frame " + std::to_string(frame));
+    if (!status.ok()) return status;
     if (!returned)
         return RunStatus::failure(
             ExitCode::Processing,
@@ -191,6 +199,8 @@ RunStatus SparkSession::finish(const std::string& savePath) {
     }
     const bool savedSetup = host.setupSaves > 0;
     relayMessages();
+    const RunStatus status = checkAllocations("in the plug-in's SparkUnInitialise");
+    if (!status.ok()) return status;
     if (!savePath.empty() && !savedSetup) {
         std::vector<char> text = writableText(savePath);
         sparkSaveSetup(text.data());

@@ -8,6 +8,7 @@
 #include <cctype>
 #include <cstdio>
 
+#include "AllocationWatch.h"
 #include "HostPixels.h"
 #include "ImageFiles.h"
 #include "PluginConsole.h"
@@ -30,6 +31,10 @@ const char* const kFitted[] = {"Radial1",    "Radial2",  "XCurvature",
                                "YCurvature", "Centre X", "Centre Y"};
 // A line needs this many points for the fit to measure it.
 const size_t kFittedPoints = 3;
+const char kAutoPreview[] = "Auto Preview";
+const char kUnconstrained[] =
+    "the lines do not constrain the fit (coincident or doubled points, a single short line, or "
+    "lines that disagree)";
 
 RunStatus pluginLacks(const std::string& what, const std::string& option) {
     return RunStatus::failure(ExitCode::Plugin, "the plug-in has no " + what + ": " + option +
@@ -48,6 +53,22 @@ int entryOf(const Control& menu, const std::string& text) {
 }
 
 int& menuValue(const Control& menu) { return static_cast<SparkPupStruct*>(menu.record)->Value; }
+
+// Whether a line the fit measures (three points or more) can constrain it:
+// an inner point that lies on neither end. The plug-in measures how far the
+// inner points lie from the line between the ends; with every inner point on
+// an end that is 0 whatever the coefficients, and its search steps without
+// end. Points are compared as they are clicked on a frame of this height.
+bool constrains(const std::vector<LinePoint>& line, int height) {
+    if (line.size() < kFittedPoints) return false;
+    auto same = [height](const LinePoint& a, const LinePoint& b) {
+        return static_cast<float>(a.x) == static_cast<float>(b.x) &&
+               static_cast<float>(height - 1 - a.y) == static_cast<float>(height - 1 - b.y);
+    };
+    for (size_t p = 1; p + 1 < line.size(); ++p)
+        if (!same(line[p], line.front()) && !same(line[p], line.back())) return true;
+    return false;
+}
 }  // namespace
 
 ViewerActions::ViewerActions(SparkSession& session, unsigned frame, unsigned totalFrames)
@@ -77,6 +98,13 @@ RunStatus ViewerActions::check(bool drawLines, bool autoFind, bool overlay) cons
     }
     if (autoFind && !controls.named(kAutoFind, ControlKind::Button))
         return pluginLacks("\"AutoFind\" button", "--autofind");
+    const long side = simhost::Viewer::kMaxPictureSide;
+    if (overlay && (session_.width() > side || session_.height() > side))
+        return RunStatus::failure(ExitCode::Output, "--overlay draws pictures of at most " +
+                                                        std::to_string(side) +
+                                                        " pixels a side; the frame is " +
+                                                        std::to_string(session_.width()) + "x" +
+                                                        std::to_string(session_.height()));
     const Control* clear = controls.named(kClearOverlay, ControlKind::Check);
     if ((drawLines || overlay) && clear && static_cast<SparkBooleanStruct*>(clear->record)->Value)
         return RunStatus::failure(ExitCode::Usage,
@@ -111,7 +139,7 @@ RunStatus ViewerActions::show(const FilePixels& picture) {
         session_.plugin().overlay(session_.viewerInfo(frame_, totalFrames_), kViewerScale);
     }
     session_.relayMessages();
-    return RunStatus::success();
+    return checkAllocations("in the plug-in's SparkOverlay");
 }
 
 void ViewerActions::selectEntry(const Control& menu, int entry) {
@@ -120,17 +148,48 @@ void ViewerActions::selectEntry(const Control& menu, int entry) {
                                session_.viewerInfo(frame_, totalFrames_));
 }
 
+// "Auto Preview" re-renders the frame after every change of "LineEdit":
+// off while the lines are drawn, it is set back as it was afterwards, each
+// time through its record and callback as the host does.
+void ViewerActions::setAutoPreview(bool on) {
+    const Control* preview = session_.controls().named(kAutoPreview, ControlKind::Check);
+    if (!preview) return;
+    auto* record = static_cast<SparkBooleanStruct*>(preview->record);
+    CrashContext during("in the plug-in's Auto Preview callback");
+    PluginConsole console(session_.quiet());
+    record->Value = on;
+    session_.plugin().callback(preview->symbol, kCallbackArgument,
+                               session_.viewerInfo(frame_, totalFrames_));
+}
+
 RunStatus ViewerActions::drawLines(const LinesFile& lines) {
     const Control& lineEdit = *session_.controls().named(kLineEdit, ControlKind::Menu);
+    const Control* preview = session_.controls().named(kAutoPreview, ControlKind::Check);
+    const bool previewOn = preview && static_cast<SparkBooleanStruct*>(preview->record)->Value;
+    if (previewOn) setAutoPreview(false);
+    RunStatus status = drawEach(lineEdit, lines);
+    {
+        CrashContext during("in the plug-in's LineEdit callback");
+        PluginConsole console(session_.quiet());
+        selectEntry(lineEdit, entryOf(lineEdit, kNoAction));
+    }
+    if (previewOn) setAutoPreview(true);
+    session_.relayMessages();
+    if (status.ok()) status = checkAllocations("in the plug-in's LineEdit callback");
+    return status;
+}
+
+RunStatus ViewerActions::drawEach(const Control& lineEdit, const LinesFile& lines) {
     const int noAction = entryOf(lineEdit, kNoAction);
     const int addLine = entryOf(lineEdit, kAddLine);
     const SparkInfoStruct info = session_.viewerInfo(frame_, totalFrames_);
     const int height = session_.height();
     simhost::ViewerPointer pointer(session_.plugin(), info, kViewerScale);
     for (size_t l = 0; l < lines.lines.size(); ++l) {
+        const std::string where = "in the plug-in's SparkInteract, drawing line " +
+                                  std::to_string(l + 1) + " of the lines file";
         {
-            CrashContext during("in the plug-in's SparkInteract, drawing line " +
-                                std::to_string(l + 1) + " of the lines file");
+            CrashContext during(where);
             PluginConsole console(session_.quiet());
             selectEntry(lineEdit, noAction);  // away and back: a new line
             selectEntry(lineEdit, addLine);
@@ -139,21 +198,24 @@ RunStatus ViewerActions::drawLines(const LinesFile& lines) {
                               static_cast<float>(height - 1 - point.y));
         }
         session_.relayMessages();
+        const RunStatus status = checkAllocations(where);
+        if (!status.ok()) return status;
         ++linesDrawn_;
         if (lines.lines[l].size() >= kFittedPoints) ++linesWithAFit_;
+        if (constrains(lines.lines[l], height)) ++linesThatConstrain_;
     }
-    {
-        CrashContext during("in the plug-in's LineEdit callback");
-        PluginConsole console(session_.quiet());
-        selectEntry(lineEdit, noAction);
-    }
-    session_.relayMessages();
     return RunStatus::success();
 }
 
 RunStatus ViewerActions::autoFind(std::string* fitted) {
     const ControlNames& controls = session_.controls();
     const Control& button = *controls.named(kAutoFind, ControlKind::Button);
+    // Known before pressing: the search would step until its counters ran out.
+    if (linesWithAFit_ > 0 && linesThatConstrain_ == 0)
+        return RunStatus::failure(ExitCode::Usage,
+                                  std::string("AutoFind refused: ") + kUnconstrained +
+                                      ": every line of three points or more has its inner "
+                                      "points on its ends");
     {
         CrashContext during("in the plug-in's AutoFind callback");
         PluginConsole console(session_.quiet());
@@ -161,6 +223,8 @@ RunStatus ViewerActions::autoFind(std::string* fitted) {
                                    session_.viewerInfo(frame_, totalFrames_));
     }
     const std::string message = session_.relayMessages();
+    RunStatus status = checkAllocations("in the plug-in's AutoFind callback");
+    if (!status.ok()) return status;
     if (!message.empty()) {
         std::string hint;
         if (linesWithAFit_ == 0)
@@ -169,6 +233,8 @@ RunStatus ViewerActions::autoFind(std::string* fitted) {
         return RunStatus::failure(ExitCode::Usage,
                                   "AutoFind failed: the plug-in said \"" + message + "\"" + hint);
     }
+    status = checkFitInRange();
+    if (!status.ok()) return status;
     std::string text;
     for (const char* name : {"Radial1", "Radial2"}) {
         if (const Control* control = controls.named(name, ControlKind::Float)) {
@@ -185,6 +251,24 @@ RunStatus ViewerActions::autoFind(std::string* fitted) {
     return RunStatus::success();
 }
 
+// A fit that leaves a control's range would render with values no set-up
+// can hold (a set-up refuses them when loaded): the lines did not constrain it.
+RunStatus ViewerActions::checkFitInRange() const {
+    for (const char* name : kFitted) {
+        const Control* control = session_.controls().named(name, ControlKind::Float);
+        if (!control) continue;
+        const auto* record = static_cast<const SparkFloatStruct*>(control->record);
+        if (record->Value >= record->Min && record->Value <= record->Max) continue;
+        char text[160];
+        std::snprintf(text, sizeof text, "AutoFind's fit left %s at %g, outside its range %g .. %g",
+                      name, static_cast<double>(record->Value), static_cast<double>(record->Min),
+                      static_cast<double>(record->Max));
+        return RunStatus::failure(ExitCode::Usage, std::string(text) + ": " + kUnconstrained +
+                                                       "; no frame or set-up is written");
+    }
+    return RunStatus::success();
+}
+
 RunStatus ViewerActions::writeOverlay(const FilePixels& picture, const std::string& path) {
     const simhost::ViewerImage background = viewerBackground(picture);
     simhost::ViewerImage drawn;
@@ -198,9 +282,12 @@ RunStatus ViewerActions::writeOverlay(const FilePixels& picture, const std::stri
                                &error, &background);
     }
     session_.relayMessages();
+    const RunStatus status = checkAllocations("in the plug-in's SparkOverlay");
+    if (!status.ok()) return status;
     if (!rendered)
         return RunStatus::failure(ExitCode::Output,
                                   "cannot draw the overlay for " + path + ": " + error);
     return writeImage(path, drawn.width, drawn.height,
-                      viewerSamples(drawn, outputSampleType(path, kHostDepth8)), picture.dateTime);
+                      viewerSamples(drawn, outputSampleType(path, kHostDepth8)), picture.dateTime,
+                      picture.origin);
 }

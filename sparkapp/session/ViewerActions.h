@@ -14,6 +14,14 @@
 // callback, as the host does when the user picks an entry), which starts a
 // new line, and each point is one click (press, release). After the last line
 // "LineEdit" is left at "No Action", where the overlay shows the centre.
+// "Auto Preview" is switched off while the lines are drawn (it would render
+// the frame after every line) and back on afterwards.
+//
+// AutoFind: a fit that leaves the range of a control it sets (Radial1 at
+// 25000, as lines of coincident points give) is refused with exit 2, and so
+// are lines that cannot constrain it (every inner point on an end), before
+// the button is pressed. An allocation that fails in any plug-in call is
+// exit 7 (AllocationWatch.h).
 //
 // Proxy: the plug-in keeps the lines in fractions of the frame, so they hold
 // at any proxy. The viewer's work runs with the proxy menu at "FULL" (the
@@ -40,25 +48,31 @@ class ViewerActions {
     // Before any work: a plug-in without the entry points or controls the
     // work needs is exit 5; "Clear Overlay" on (the plug-in then draws and
     // handles nothing) and animation keys on a control the fit sets are
-    // exit 2.
+    // exit 2; an overlay of a frame wider or taller than the viewer draws
+    // (simhost::Viewer::kMaxPictureSide) is exit 4.
     RunStatus check(bool drawLines, bool autoFind, bool overlay) const;
 
     RunStatus show(const FilePixels& picture);
     RunStatus drawLines(const LinesFile& lines);
     // Presses "AutoFind". *fitted reads "Radial1=... Radial2=... Mode=...".
-    // A message from the plug-in (no lines, a failed fit) is exit 2.
+    // A message from the plug-in (no lines, a failed fit), lines that do not
+    // constrain the fit and a fit outside a control's range are exit 2.
     RunStatus autoFind(std::string* fitted);
     // Draws the overlay for real over the picture and writes it to path.
     RunStatus writeOverlay(const FilePixels& picture, const std::string& path);
 
   private:
     void selectEntry(const Control& menu, int entry);
+    void setAutoPreview(bool on);
+    RunStatus drawEach(const Control& lineEdit, const LinesFile& lines);
+    RunStatus checkFitInRange() const;
 
     SparkSession& session_;
     unsigned frame_;
     unsigned totalFrames_;
     size_t linesDrawn_ = 0;
-    size_t linesWithAFit_ = 0;  // of them, lines of three points or more
+    size_t linesWithAFit_ = 0;       // of them, lines of three points or more
+    size_t linesThatConstrain_ = 0;  // of those, lines with an inner point on neither end
     const Control* proxy_ = nullptr;
     int proxyValue_ = 0;
 };

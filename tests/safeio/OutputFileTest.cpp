@@ -3,6 +3,7 @@
 #include <OutputFile.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <csignal>
 #include <cstdlib>
@@ -129,4 +130,37 @@ TEST_F(OutputFileTest, OnlyTheTemporaryPatternIsRecognised) {
         EXPECT_FALSE(safeio::isTemporaryName(name)) << name;
     safeio::setTemporaryTag("a b/c");  // only letters, digits, '-' and '_' are kept
     EXPECT_EQ(safeio::temporaryPrefix(), ".abc-");
+}
+
+TEST_F(OutputFileTest, ADeviceOrAPipeUnderTheTargetsNameIsNeverReplaced) {
+    ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
+    OutputFile file;
+    std::string error;
+    ASSERT_TRUE(file.open(path("pipe"), &error)) << error;
+    ASSERT_TRUE(file.write("text", 4));
+    EXPECT_FALSE(file.commit(&error));
+    EXPECT_EQ(error, "it exists and is not a regular file");
+    EXPECT_TRUE(fs::is_fifo(fs::symlink_status(path("pipe"))));
+    EXPECT_EQ(names(), std::vector<std::string>{"pipe"});
+}
+
+TEST_F(OutputFileTest, BytesAnotherWriterPutInTheTemporaryAreWrittenAgainAndKept) {
+    OutputFile file;
+    std::string error;
+    ASSERT_TRUE(file.open(path("picture.sgi"), &error)) << error;
+    // A writer that opens the temporary by its name and seeks: a hole at first.
+    {
+        std::ofstream other(file.temporaryPath(), std::ios::binary);
+        other.seekp(3 << 20);
+        other << "tail";
+        other.seekp(0);
+        other << "head";
+    }
+    ASSERT_TRUE(file.rewriteInPlace()) << file.failure();
+    ASSERT_TRUE(file.commit(&error)) << error;
+    const std::string kept = slurp(path("picture.sgi"));
+    ASSERT_EQ(kept.size(), (3u << 20) + 4);
+    EXPECT_EQ(kept.substr(0, 4), "head");
+    EXPECT_EQ(kept.substr(3 << 20), "tail");
+    EXPECT_EQ(kept.find_first_not_of('\0', 4), size_t{3} << 20);
 }

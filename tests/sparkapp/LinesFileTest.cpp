@@ -1,7 +1,11 @@
 // The lines file: what it accepts, and the position it names for
 // each kind of fault.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <cstdio>
+#include <fstream>
 #include <string>
 
 #include "LinesFile.h"
@@ -93,4 +97,63 @@ TEST(LinesFile, PointsMustLieOnTheFrame) {
     EXPECT_EQ(
         error,
         "line 2, point 2 (9.6, 1) lies outside the 10x5 frame (x -0.5 to 9.5, y -0.5 to 4.5)");
+}
+
+TEST(LinesFile, HoldsAtMostAThousandLinesAndTenThousandPoints) {
+    auto linesOf = [](size_t lines, size_t points) {
+        std::string text = "{\"lines\": [";
+        for (size_t l = 0; l < lines; ++l) {
+            text += l ? ",\n[" : "\n[";
+            for (size_t p = 0; p < points; ++p) text += p ? ", [1, 2]" : "[1, 2]";
+            text += "]";
+        }
+        return text + "]}";
+    };
+    LinesFile lines;
+    std::string error;
+    ASSERT_TRUE(parseLinesText(linesOf(1000, 10), lines, error)) << error;
+    EXPECT_EQ(lines.lines.size(), 1000u);
+    // The 1001st line is refused at its bracket, the 10001st point at its own.
+    EXPECT_EQ(faultOf(linesOf(1001, 2)),
+              "line 1002, column 1: more than 1000 lines (a lines file holds at most 1000)");
+    EXPECT_EQ(faultOf(linesOf(1, 10000)), "<accepted>");
+    const std::string fault = faultOf(linesOf(2, 5001));
+    EXPECT_EQ(fault.rfind("line 3, column ", 0), 0u) << fault;
+    EXPECT_NE(fault.find(": more than 10000 points (a lines file holds at most 10000 in all)"),
+              std::string::npos)
+        << fault;
+}
+
+TEST(LinesFile, ConsecutivePointsThatCoincideAreNamed) {
+    LinesFile lines;
+    std::string error;
+    ASSERT_TRUE(
+        parseLinesText("{\"lines\": [[[1, 2], [1, 3], [1, 2]], [[5, 5], [5, 5], [6, 6], "
+                       "[6, 6]]]}",
+                       lines, error));
+    EXPECT_EQ(coincidentPoints(lines),
+              "2 pair(s) of consecutive points coincide, the first at line 2, points 1 and 2 (5, "
+              "5): a click given twice adds nothing to AutoFind's fit");
+    ASSERT_TRUE(parseLinesText("{\"lines\": [[[1, 2], [1, 3], [1, 2]]]}", lines, error));
+    EXPECT_EQ(coincidentPoints(lines), "");
+}
+
+TEST(LinesFile, OnlyARegularFileIsRead) {
+    char folder[] = "/tmp/lines-file-XXXXXX";
+    ASSERT_NE(mkdtemp(folder), nullptr);
+    const std::string pipe = std::string(folder) + "/pipe.json";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    LinesFile lines;
+    std::string error;
+    // Returns at once: a pipe is never waited on.
+    EXPECT_FALSE(readLinesFile(pipe, lines, error));
+    EXPECT_EQ(error, "cannot read " + pipe + ": not a regular file");
+    EXPECT_FALSE(readLinesFile("/dev/zero", lines, error));
+    EXPECT_EQ(error, "cannot read /dev/zero: not a regular file");
+    const std::string file = std::string(folder) + "/good.json";
+    std::ofstream(file) << "\xEF\xBB\xBF{\"lines\": [[[1, 2], [3, 4]]]}";
+    EXPECT_TRUE(readLinesFile(file, lines, error)) << error;
+    std::remove(file.c_str());
+    std::remove(pipe.c_str());
+    rmdir(folder);
 }

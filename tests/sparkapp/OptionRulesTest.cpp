@@ -1,6 +1,7 @@
 // The command line and the option rules: each value an option refuses, and
 // each rule on which options go together, with the message a user reads.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -204,4 +205,70 @@ TEST(OptionRules, AutomaticLines) {
                   std::string("--detect-frames takes frame numbers and ranges A-B separated by "
                               "commas (such as 1001,1050,1090-1100), not \"") +
                       bad + "\"");
+}
+
+TEST(OptionRules, NoOutputOverwritesAnInputOrAnotherOutput) {
+    char folder[] = "/tmp/option-clash-XXXXXX";
+    ASSERT_NE(mkdtemp(folder), nullptr);
+    ASSERT_EQ(chdir(folder), 0);
+    const std::string inFrame = "an INPUT frame";
+    // A set-up or an overlay over an output frame or an input.
+    EXPECT_EQ(refusal({"--save-setup", "out.png", "in.png", "out.png"}),
+              "--save-setup out.png is also an OUTPUT frame");
+    EXPECT_EQ(refusal({"--save-setup", "in.0003.png", "in.####.png", "out.####.png"}),
+              "--save-setup in.0003.png is also " + inFrame);
+    EXPECT_EQ(refusal({"--overlay", "./in.png", "in.png", "out.png"}),
+              "--overlay ./in.png is also " + inFrame);
+    EXPECT_EQ(refusal({"--overlay", "in.7.png", "--frames", "1-9", "in.#.png", "o.#.png"}),
+              "--overlay in.7.png is also " + inFrame);
+    EXPECT_EQ(refusal({"--overlay", "l.json", "--lines", "l.json", "in.png", "out.png"}),
+              "--overlay l.json is also the --lines file");
+    EXPECT_EQ(refusal({"--save-setup", "l.json", "--lines", "./l.json", "in.png", "out.png"}),
+              "--save-setup l.json is also the --lines file");
+    // INPUT and OUTPUT: one file, one sequence spelled two ways, paddings
+    // that meet from frame 1000 on (the frames come from the disk, so any
+    // frame may be read), a frame written before the input of the same
+    // name is read (output a15.png is frame 5, input a15.png frame 15), a
+    // still the sequence writes over.
+    EXPECT_EQ(refusal({"in.png", "./in.png"}), "OUTPUT ./in.png is also " + inFrame);
+    EXPECT_EQ(refusal({"s.####.png", "s.%04d.png"}), "OUTPUT s.%04d.png is also " + inFrame);
+    EXPECT_EQ(refusal({"s.%d.png", "s.#.png"}), "OUTPUT s.#.png is also " + inFrame);
+    EXPECT_EQ(refusal({"s.#.png", "s.####.png"}), "OUTPUT s.####.png is also " + inFrame);
+    EXPECT_EQ(refusal({"--frames", "1-999", "s.#.png", "s.####.png"}), "<fine>");
+    EXPECT_EQ(refusal({"--frames", "995-1005", "s.#.png", "s.####.png"}),
+              "OUTPUT s.####.png is also " + inFrame);
+    EXPECT_EQ(refusal({"--frames", "1-20", "a##.png", "a1#.png"}),
+              "OUTPUT a1#.png is also " + inFrame);
+    EXPECT_EQ(refusal({"--frames", "1-9", "a##.png", "a1#.png"}), "<fine>");
+    EXPECT_EQ(refusal({"s.##.png", "s.1#.png"}), "OUTPUT s.1#.png is also " + inFrame);
+    EXPECT_EQ(refusal({"s.##.png", "s.x#.png"}), "<fine>");
+    EXPECT_EQ(refusal({"--frames", "1-3", "f.2.png", "f.#.png"}),
+              "OUTPUT f.#.png is also " + inFrame);
+    EXPECT_EQ(refusal({"in/s.####.png", "out/s.####.png"}), "<fine>");
+    // The utilities' outputs.
+    EXPECT_EQ(refusal({"--trace-chart", "a.png", "./a.png"}),
+              "--trace-chart LINES.json ./a.png is also the --trace-chart IMAGE");
+    EXPECT_EQ(refusal({"--side-by-side", "l.png", "r.png", "r.png"}),
+              "--side-by-side OUTPUT r.png is also the --side-by-side RIGHT");
+    EXPECT_EQ(refusal({"--make-chart", "c.png", "--save-setup", "c.png"}),
+              "--save-setup c.png is also the --make-chart OUTPUT");
+    // A set-up saved over the one loaded updates it.
+    EXPECT_EQ(refusal({"--setup", "s.setup", "--save-setup", "./s.setup", "in.png", "out.png"}),
+              "<fine>");
+    // Names as the system resolves them: a folder through a link; an input
+    // through a link to the output (written over), but not an output that is
+    // a link to the input (the link is replaced, the input left alone), nor
+    // two outputs that are links to one file.
+    ASSERT_EQ(mkdir("real", 0700), 0);
+    ASSERT_EQ(symlink("real", "link"), 0);
+    EXPECT_EQ(refusal({"real/in.png", "link/in.png"}), "OUTPUT link/in.png is also " + inFrame);
+    EXPECT_EQ(refusal({"real/s.####.png", "link/s.####.png"}),
+              "OUTPUT link/s.####.png is also " + inFrame);
+    std::ofstream("plate.png") << "x";
+    ASSERT_EQ(symlink("plate.png", "shortcut.png"), 0);
+    ASSERT_EQ(symlink("plate.png", "s.setup"), 0);
+    EXPECT_EQ(refusal({"shortcut.png", "plate.png"}), "OUTPUT plate.png is also " + inFrame);
+    EXPECT_EQ(refusal({"plate.png", "shortcut.png"}), "<fine>");
+    EXPECT_EQ(refusal({"--save-setup", "s.setup", "in.png", "shortcut.png"}), "<fine>");
+    std::system(("rm -rf " + std::string(folder)).c_str());
 }

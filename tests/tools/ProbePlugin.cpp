@@ -4,7 +4,9 @@
 // truncated; "Channels: Red Only" zeroes green and blue; "Invert" turns v into
 // full - v. At the frame named by "Fail Frame" (0: never) it returns null; at
 // "Crash Frame" it writes through a null pointer; at "Hog Frame" it asks for
-// far more memory than any machine has (the allocation throws). It talks on
+// far more memory than any machine has (the allocation throws); at "Guarded
+// Hog Frame" it does the same inside a guard, as a plug-in's entry points
+// do: the failure becomes a message and no frame. It talks on
 // its console: standard output, the C standard error stream and std::cerr.
 // For the row order: "Report Brightest" prints where the input's brightest
 // red sample sits in the host buffer ("probe: brightest at column X, host
@@ -17,6 +19,7 @@
 #include <cstring>
 #include <iostream>
 #include <memory>
+#include <new>
 
 extern "C" {
 __attribute__((visibility("default"))) SparkFloatStruct SparkFloat6 = {
@@ -27,6 +30,8 @@ __attribute__((visibility("default"))) SparkFloatStruct SparkFloat10 = {
     0.0f, 0.0f, 100000.0f, 1.0f, 0, const_cast<char*>("Crash Frame: %.0f"), nullptr};
 __attribute__((visibility("default"))) SparkFloatStruct SparkFloat11 = {
     0.0f, 0.0f, 100000.0f, 1.0f, 0, const_cast<char*>("Hog Frame: %.0f"), nullptr};
+__attribute__((visibility("default"))) SparkFloatStruct SparkFloat12 = {
+    0.0f, 0.0f, 100000.0f, 1.0f, 0, const_cast<char*>("Guarded Hog Frame: %.0f"), nullptr};
 __attribute__((visibility("default"))) SparkPupStruct SparkPup17 = {
     0,
     2,
@@ -79,6 +84,15 @@ __attribute__((visibility("default"))) unsigned long* SparkProcess(SparkInfoStru
     if (atFrame(SparkFloat11, info.FrameNo)) {
         std::unique_ptr<char[]> hog(new char[kNoMachineHasThis]);
         hog[0] = 1;
+    }
+    if (atFrame(SparkFloat12, info.FrameNo)) {
+        try {
+            std::unique_ptr<char[]> hog(new char[kNoMachineHasThis]);
+            hog[0] = 1;
+        } catch (const std::bad_alloc&) {
+            sparkError(const_cast<char*>("probe stopped: not enough memory."));
+            return nullptr;
+        }
     }
     const int full = deep ? 4095 : 255;
     const long samples = static_cast<long>(info.FrameWidth) * info.FrameHeight * 3;

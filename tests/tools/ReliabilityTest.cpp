@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <spawn.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <sys/time.h>
 #include <unistd.h>
 
@@ -132,14 +133,15 @@ class Reliability : public Sparkrun {
         return run("--plugin " + kProbe + " " + arguments, shell);
     }
 
-    // Runs the tool in a private mount namespace on a fresh 1 MiB tmpfs at
-    // disk/; what is left there is copied to kept/. False when this machine
-    // cannot mount one (not root, no namespaces).
-    bool runOnSmallDisk(const std::string& arguments, ToolRun* result) const {
+    // Runs the tool in a private mount namespace on a fresh tmpfs (1 MiB,
+    // or size) at disk/; what is left there is copied to kept/. False when
+    // this machine cannot mount one (not root, no namespaces).
+    bool runOnSmallDisk(const std::string& arguments, ToolRun* result,
+                        const std::string& size = "1m") const {
         fs::remove_all(dir_ / "kept");
         fs::create_directories(dir_ / "disk");
         fs::create_directories(dir_ / "kept");
-        const std::string inner = "mount -t tmpfs -o size=1m tmpfs " + path("disk") +
+        const std::string inner = "mount -t tmpfs -o size=" + size + " tmpfs " + path("disk") +
                                   " || exit 99; " + kTool + " " + arguments + " >" +
                                   path("stdout") + " 2>" + path("stderr") + "; echo $? >" +
                                   path("code") + "; cp -a " + path("disk") + "/. " + path("kept");
@@ -205,11 +207,25 @@ TEST_F(Reliability, AWriteThatRunsOutOfRoomFailsWithExitFourAndLeavesNothing) {
 TEST_F(Reliability, AFullDiskFailsWithExitFourAndKeepsOnlyWholeFrames) {
     writeNoise(path("big.png"), 1000, 1000);
     ToolRun result;
-    for (const char* extension : {"png", "bmp", "tga", "jpg", "tif", "dpx", "exr"}) {
+    // SGI's writer works by name, not through the checked stream, and seeks
+    // to the end of the file first: the writes the full disk refused would
+    // have been holes that read back as black.
+    for (const char* extension : {"png", "bmp", "tga", "jpg", "tif", "dpx", "exr", "sgi", "rgb"}) {
         if (!runOnSmallDisk(path("big.png") + " " + path("disk/r.") + extension, &result))
             GTEST_SKIP() << "cannot mount a small tmpfs here (needs root and mount namespaces)";
         EXPECT_EQ(result.code, 4) << extension << "\n" << result.err;
         EXPECT_NE(result.err.find("No space left on device"), std::string::npos) << result.err;
+        EXPECT_TRUE(kept().empty()) << extension;
+    }
+    // HEIF and AVIF (by name too) compress noise well: a smaller disk. Their
+    // writer writes again when destroyed after a failed close, which must
+    // not leave the temporary behind.
+    writeNoise(path("half.png"), 500, 500);
+    for (const char* extension : {"heic", "avif"}) {
+        if (run(path("half.png") + " " + path("out/r.") + extension).code != 0) continue;
+        ASSERT_TRUE(
+            runOnSmallDisk(path("half.png") + " " + path("disk/r.") + extension, &result, "32k"));
+        EXPECT_EQ(result.code, 4) << extension << "\n" << result.err;
         EXPECT_TRUE(kept().empty()) << extension;
     }
     // A sequence: the frames that fit are whole, the one that does not is absent.
@@ -297,6 +313,14 @@ TEST_F(Reliability, AFrameTooLargeForTheMemoryIsRefusedBeforeDecoding) {
         probeWith("--set 'Hog Frame=1' " + path("small.png") + " " + path("out/r.png"), "true");
     EXPECT_EQ(result.code, 7) << result.err;
     EXPECT_NE(result.err.find("out of memory"), std::string::npos) << result.err;
+    // A plug-in that catches the failure itself (its entry guard) returns no
+    // frame and says so: still exit 7, not a processing failure.
+    result = probeWith("--set 'Guarded Hog Frame=1' " + path("small.png") + " " + path("out/r.png"),
+                       "true");
+    EXPECT_EQ(result.code, 7) << result.err;
+    EXPECT_NE(result.err.find("out of memory in the plug-in's SparkProcess, frame 1"),
+              std::string::npos)
+        << result.err;
     EXPECT_EQ(outputs(), std::vector<std::string>{"ok.png"});
 }
 
@@ -648,4 +672,86 @@ TEST_F(Reliability, ChunksOfASequenceGiveTheSameBytesAsOneRun) {
                "--setup " + path("whole.setup"));
     sameFiles("whole-setup", "chunks-setup");
     sameFiles("whole", "whole-setup");
+}
+
+TEST_F(Reliability, OutputsThatAreNotFilesAreRefusedBeforeTheFirstFrame) {
+    writeFlat8(path("in.png"), 30);
+    ASSERT_EQ(run("--make-chart " + path("chart.png") + " --size 320x180").code, 0);
+    const std::string special = path("out/special.png");
+    const std::string cases[] = {
+        // An image, the overlay, a set-up, a traced lines file, a chart, and
+        // (last) the middle frame of a sequence.
+        path("in.png") + " " + special,
+        "--overlay " + special + " " + path("in.png") + " " + path("out/r.png"),
+        "--save-setup " + special + " " + path("in.png") + " " + path("out/r.png"),
+        "--trace-chart " + path("chart.png") + " " + special,
+        "--make-chart " + special,
+        "--frames 1-3 " + path("in.png") + " " + path("out/frame.####.png"),
+    };
+    // A pipe, and (as root) a device node like /dev/null, made here.
+    for (const bool device : {false, true}) {
+        for (const std::string& arguments : cases) {
+            SCOPED_TRACE(arguments);
+            const std::string name = &arguments == &cases[5] ? path("out/frame.0002.png") : special;
+            const bool made = device ? mknod(name.c_str(), S_IFCHR | 0600, makedev(1, 3)) == 0
+                                     : mkfifo(name.c_str(), 0600) == 0;
+            if (!made && device) break;  // not root: no device node
+            ASSERT_TRUE(made);
+            const ToolRun result = run(arguments);
+            EXPECT_EQ(result.code, 4) << result.err;
+            EXPECT_NE(result.err.find("not a regular file"), std::string::npos) << result.err;
+            EXPECT_EQ(outputs(), std::vector<std::string>{fs::path(name).filename().string()});
+            const fs::file_status kept = fs::symlink_status(name);
+            EXPECT_TRUE(device ? fs::is_character_file(kept) : fs::is_fifo(kept));
+            fs::remove(name);
+        }
+    }
+}
+
+TEST_F(Reliability, TheSameFrameGivesTheSameBytesInEveryFormat) {
+    writeNoise(path("in.png"), 64, 48);  // JPEG 2000 needs 64 x 32 or more
+    fs::create_directory(dir_ / "again");
+    // Another day and another time zone: nothing of the run may show in the file.
+    for (const char* extension : {"png", "bmp", "tga", "jpg", "tif", "dpx", "exr", "sgi", "hdr",
+                                  "ppm", "webp", "jp2", "ico", "fits", "heic", "avif", "gif"}) {
+        SCOPED_TRACE(extension);
+        const std::string name = std::string("r.") + extension;
+        const ToolRun first = run(path("in.png") + " " + path("out/" + name), "TZ=UTC");
+        if (first.code == 4 && first.err.find("unsupported output format") != std::string::npos)
+            continue;  // not written on this machine
+        ASSERT_EQ(first.code, 0) << first.err;
+        const ToolRun second =
+            run(path("in.png") + " " + path("again/" + name), "export TZ=Pacific/Kiritimati");
+        ASSERT_EQ(second.code, 0) << second.err;
+        EXPECT_EQ(bytesOf(path("out/" + name)), bytesOf(path("again/" + name)));
+    }
+    // RLA's writer stamps the time of writing, in local time: not written.
+    const ToolRun result = run(path("in.png") + " " + path("out/r.rla"));
+    EXPECT_EQ(result.code, 4) << result.err;
+    EXPECT_NE(result.err.find("stamps the time of writing"), std::string::npos) << result.err;
+}
+
+TEST_F(Reliability, ALinesFileThatIsNotAFileIsRefusedAtOnce) {
+    writeFlat8(path("in.png"), 30);
+    ASSERT_EQ(mkfifo(path("lines.json").c_str(), 0600), 0);
+    const pid_t tool =
+        spawnTool({"--lines", path("lines.json"), path("in.png"), path("out/r.png")});
+    ASSERT_GT(tool, 0);
+    int status = 0;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (waitpid(tool, &status, WNOHANG) == 0) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            kill(tool, SIGKILL);
+            waitpid(tool, &status, 0);
+            FAIL() << "the tool waited on the pipe";
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 3);
+    const std::string err = slurp(dir_ / "stderr");
+    EXPECT_NE(err.find("cannot read the lines file " + path("lines.json") + ": not a regular file"),
+              std::string::npos)
+        << err;
+    EXPECT_TRUE(outputs().empty());
 }

@@ -161,3 +161,105 @@ TEST_F(Sparkrun, ViewerFaultsHaveTheirExitCodesAndWriteNothing) {
     EXPECT_NE(result.err.find("SparkOverlay"), std::string::npos) << result.err;
     EXPECT_TRUE(outputs().empty());
 }
+
+// Lines that cannot constrain AutoFind's fit: a doubled click (the plug-in's
+// search then steps to Radial1 = Radial2 = 25000), and a thousand random
+// lines whose fit leaves the controls' range. Either is refused, and no frame,
+// overlay or set-up is written (a set-up out of range would not load again).
+TEST_F(Sparkrun, AutoFindOnLinesThatDoNotConstrainItIsRefusedAndWritesNothing) {
+    writeGreyWithRedPixel(path("in.png"), 960, 540, 0, 0);
+    writeText(path("doubled.json"), "{\"lines\": [[[99, 102.7], [99, 102.7], [870, 102.9]]]}");
+    std::string text = "{\"lines\": [";
+    unsigned seed = 12345;
+    auto next = [&seed](int size) {
+        seed = seed * 1103515245u + 12345u;
+        return static_cast<int>((seed >> 8) % static_cast<unsigned>(size));
+    };
+    for (int l = 0; l < 1000; ++l) {
+        text += l ? ", [" : "[";
+        for (int p = 0; p < 3; ++p)
+            text += (p ? ", [" : "[") + std::to_string(next(960)) + ", " +
+                    std::to_string(next(540)) + "]";
+        text += "]";
+    }
+    writeText(path("random.json"), text + "]}");
+    const std::string rest = " --autofind --overlay " + path("out/overlay.png") + " --save-setup " +
+                             path("out/fit.setup") + " " + path("in.png") + " " +
+                             path("out/out.png");
+    ToolRun result = run("--lines " + path("doubled.json") + rest);
+    EXPECT_EQ(result.code, 2) << result.err;
+    EXPECT_NE(result.err.find("warning: " + path("doubled.json") +
+                              ": 1 pair(s) of consecutive points coincide, the first at line 1, "
+                              "points 1 and 2 (99, 102.7)"),
+              std::string::npos)
+        << result.err;
+    EXPECT_NE(result.err.find("AutoFind refused: the lines do not constrain the fit"),
+              std::string::npos)
+        << result.err;
+    EXPECT_TRUE(outputs().empty());
+    result = run("--lines " + path("random.json") + rest);
+    EXPECT_EQ(result.code, 2) << result.err;
+    EXPECT_NE(result.err.find("AutoFind's fit left Radial1 at "), std::string::npos) << result.err;
+    EXPECT_NE(result.err.find(", outside its range -1 .. 3: the lines do not constrain the fit"),
+              std::string::npos)
+        << result.err;
+    EXPECT_EQ(result.out.find("autofind:"), std::string::npos) << result.out;
+    EXPECT_TRUE(outputs().empty());
+}
+
+// "Auto Preview" is off while the lines are drawn, and as it was afterwards
+// (the saved set-up keeps it: Boolean 34).
+TEST_F(Sparkrun, DrawingLinesLeavesAutoPreviewAsItWas) {
+    writeGreyWithRedPixel(path("in.png"), 40, 30, 0, 0);
+    writeText(path("lines.json"), "{\"lines\": [[[1, 2], [20, 3], [30, 4]], [[5, 5], [9, 25]]]}");
+    for (const char* value : {"on", "off"}) {
+        SCOPED_TRACE(value);
+        const ToolRun result = run(std::string("--set 'Auto Preview=") + value + "' --lines " +
+                                   path("lines.json") + " --save-setup " + path("s.setup") + " " +
+                                   path("in.png") + " " + path("out/out.png"));
+        ASSERT_EQ(result.code, 0) << result.err;
+        EXPECT_NE(slurp(path("s.setup"))
+                      .find(std::string("Boolean 34 ") + (value == std::string("on") ? "1" : "0")),
+                  std::string::npos);
+    }
+}
+
+// A float chart with a few infinite and not-a-number pixels: traced as the
+// picture shows (above 1 white, below 0 or NaN black), and the lines file
+// written reads back.
+TEST_F(Sparkrun, AChartWithInfinitePixelsIsTracedIntoLinesThatReadBack) {
+    ASSERT_EQ(run("--make-chart " + path("chart.png")).code, 0);
+    const Picture chart = readPicture(path("chart.png"));
+    std::vector<float> reals;
+    for (float sample : chart.samples) reals.push_back(sample / 255.0f);
+    // Every seventh pixel of rows 298 to 302 infinitely bright: the grid's
+    // columns are sampled there, halfway between the rows at 270 and 330,
+    // each sample's window holding some; a few pixels elsewhere -inf or NaN.
+    for (size_t y = 298; y <= 302; ++y)
+        for (size_t x = 3; x < static_cast<size_t>(chart.width); x += 7)
+            std::fill_n(reals.begin() + (y * chart.width + x) * 3, 3, INFINITY);
+    const float odd[] = {-INFINITY, NAN};
+    for (size_t i = 0; i < 60; ++i) reals[(i * 7919 * 3) % reals.size()] = odd[i % 2];
+    writePicture(path("chart.exr"), chart.width, chart.height, 3, OIIO::TypeDesc::FLOAT, reals);
+    ToolRun result = run("--trace-chart " + path("chart.exr") + " " + path("lines.json"));
+    ASSERT_EQ(result.code, 0) << result.err;
+    EXPECT_NE(result.out.find("traced 8 grid lines"), std::string::npos) << result.out;
+    EXPECT_EQ(slurp(path("lines.json")).find("nan"), std::string::npos);
+    result =
+        run("--lines " + path("lines.json") + " " + path("chart.png") + " " + path("out/out.png"));
+    EXPECT_EQ(result.code, 0) << result.err;
+}
+
+// The viewer draws pictures of at most 16384 pixels a side: a wider frame's
+// overlay is refused before the plug-in does any work.
+TEST_F(Sparkrun, AnOverlayWiderThanTheViewerDrawsIsRefusedBeforeAnyWork) {
+    writeGreyWithRedPixel(path("wide.png"), 16385, 2, 0, 0);
+    const ToolRun result = run("--overlay " + path("out/overlay.png") + " " + path("wide.png") +
+                               " " + path("out/out.png"));
+    EXPECT_EQ(result.code, 4) << result.err;
+    EXPECT_NE(result.err.find("--overlay draws pictures of at most 16384 pixels a side; the frame "
+                              "is 16385x2"),
+              std::string::npos)
+        << result.err;
+    EXPECT_TRUE(outputs().empty());
+}

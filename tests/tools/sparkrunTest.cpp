@@ -226,7 +226,10 @@ TEST_F(Sparkrun, BadInputsFailWithTheirExitCodesAndLeaveNoOutput) {
         {"--save-setup " + path("nofolder/a.setup") + " " + path("good.png") + out, 4, "nofolder"},
         {"--plugin " + path("text.spark") + " " + path("good.png") + out, 5, "text.spark"},
         {"--plugin " + path("nothing.spark") + " " + path("good.png") + out, 5, "nothing.spark"},
-        {path("in.####.png") + " " + path("out/r.####.png"), 3, "no input files match"},
+        {path("in.####.png") + " " + path("out/r.####.png"), 3,
+         "no input files match " + path("in.####.png")},
+        {path("g.%03d.png") + " " + path("out/r.####.png"), 3,
+         "no input files match " + path("g.%03d.png")},
         {path("good.png") + " " + path("out/r.####.png") +
              " --frames 1-3 --set 'Fail Frame=2' --plugin " + kProbe,
          6, "frame 2"},
