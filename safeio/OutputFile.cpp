@@ -9,11 +9,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cctype>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <mutex>
 
 namespace safeio {
 
@@ -31,10 +33,17 @@ const unsigned kFnvOffset = 2166136261u;
 const unsigned kFnvPrime = 16777619u;
 const char kLetters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
 
-// Paths of open temporaries, read by a signal handler: a slot's text is
-// complete before its flag is set and the flag cleared before it is reused.
+// Paths of open temporaries, read by a signal handler on any thread: a
+// slot's text is complete before its flag is set and the flag cleared before
+// it is reused. Writers on several threads take slots under slotLock (never
+// taken by the handler).
 char slotPaths[kSlots][kSlotBytes];
-volatile sig_atomic_t slotUsed[kSlots];
+std::atomic<int> slotUsed[kSlots];
+std::mutex slotLock;
+// Set by removeOpenTemporaries before it walks the slots: a temporary
+// created while it runs (on another thread) is removed by its own creator.
+std::atomic<int> removing{0};
+static_assert(std::atomic<int>::is_always_lock_free, "read by a signal handler");
 
 // Holds off the signals whose handlers remove temporaries.
 class SignalHold {
@@ -70,6 +79,7 @@ std::string cleanTag(const char* name) {
 }
 
 int registerSlot(const std::string& path) {
+    std::lock_guard<std::mutex> lock(slotLock);
     for (int i = 0; i < kSlots; ++i) {
         if (slotUsed[i]) continue;
         std::memcpy(slotPaths[i], path.c_str(), path.size() + 1);
@@ -80,6 +90,7 @@ int registerSlot(const std::string& path) {
 }
 
 void releaseSlot(int slot) {
+    std::lock_guard<std::mutex> lock(slotLock);
     if (slot >= 0) slotUsed[slot] = 0;
 }
 
@@ -179,6 +190,7 @@ bool OutputFile::open(const std::string& target, std::string* error) {
     target_ = target;
     failure_.clear();
     end_ = 0;
+    synced_ = false;
     const std::string folder = folderOf(target);
     const std::string stem =
         folder + "/" + temporaryPrefix() + machineTag() + "-" + std::to_string(getpid()) + "-";
@@ -189,19 +201,29 @@ bool OutputFile::open(const std::string& target, std::string* error) {
             return false;
         }
         SignalHold hold;
-        const int fd =
-            ::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
-        if (fd < 0) {
-            // Something already has this name (perhaps a planted link): take another.
-            if (errno == EEXIST || errno == ELOOP) continue;
-            *error = "cannot create a file in " + folder + ": " + std::strerror(errno);
-            return false;
-        }
+        // Registered before it exists: a stop handled on another thread while
+        // it is created removes it all the same.
         const int slot = registerSlot(name);
         if (slot < 0) {
+            *error = "too many files open for writing at once";
+            return false;
+        }
+        const int fd =
+            ::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+        const int openError = errno;
+        if (fd >= 0 && removing) {
+            // The process is being stopped and the handler may have passed this slot.
             ::close(fd);
             unlink(name.c_str());
-            *error = "too many files open for writing at once";
+            releaseSlot(slot);
+            *error = "stopped";
+            return false;
+        }
+        if (fd < 0) {
+            releaseSlot(slot);
+            // Something already has this name (perhaps a planted link): take another.
+            if (openError == EEXIST || openError == ELOOP) continue;
+            *error = "cannot create a file in " + folder + ": " + std::strerror(openError);
             return false;
         }
         fd_ = fd;
@@ -228,6 +250,17 @@ bool OutputFile::writeAt(const void* data, size_t size, uint64_t offset) {
         done += static_cast<size_t>(written);
     }
     if (offset + size > end_) end_ = offset + size;
+    synced_ = false;
+    return true;
+}
+
+bool OutputFile::sync() {
+    if (fd_ < 0 || !failure_.empty()) return false;
+    if (fsync(fd_) != 0) {
+        failure_ = std::strerror(errno);
+        return false;
+    }
+    synced_ = true;
     return true;
 }
 
@@ -259,7 +292,7 @@ bool OutputFile::commit(std::string* error) {
         return false;
     }
     // A disk that runs out of space or fails may only say so at the sync or the close.
-    if (failure_.empty() && fsync(fd_) != 0) failure_ = std::strerror(errno);
+    if (failure_.empty() && !synced_ && fsync(fd_) != 0) failure_ = std::strerror(errno);
     if (::close(fd_) != 0 && failure_.empty()) failure_ = std::strerror(errno);
     fd_ = -1;
     if (!failure_.empty()) {
@@ -328,6 +361,7 @@ int removeStaleTemporaries(const std::string& folder, time_t before) {
 }
 
 void removeOpenTemporaries() {
+    removing = 1;
     for (int i = 0; i < kSlots; ++i)
         if (slotUsed[i]) unlink(slotPaths[i]);
 }

@@ -19,6 +19,8 @@
 //   12-bit v -> float   v / 4095;  8-bit v -> float  v / 255
 // Float samples may instead go through the log curve of FloatEncoding.h
 // (12-bit frames only).
+// The row loops have AVX2 forms that give the same bytes (HostPixelsRows.h).
+// Host buffers must be aligned for 16-bit words.
 // A 16-bit file therefore comes back within half a 12-bit step (about 8 of
 // 65535) after a 12-bit round trip; an 8-bit file comes back exactly.
 #pragma once
@@ -51,6 +53,8 @@ size_t hostFrameBytes(int width, int height, int depth);
 
 // Writes the picture into a host buffer of the same size at depth 24 or 48,
 // its top row last.
+void fillHostFrame(const PixelView& picture, int depth, unsigned char* buffer,
+                   FloatEncoding encoding = FloatEncoding::Linear);
 void fillHostFrame(const FilePixels& picture, int depth, unsigned char* buffer,
                    FloatEncoding encoding = FloatEncoding::Linear);
 
@@ -69,3 +73,6 @@ struct RgbSamples {
 // The host buffer's rows, top row (the buffer's last) first.
 RgbSamples readHostFrame(const unsigned char* buffer, int width, int height, int depth,
                          SampleType type, FloatEncoding encoding = FloatEncoding::Linear);
+// The same into *into, whose vectors keep their room from one frame to the next.
+void readHostFrame(const unsigned char* buffer, int width, int height, int depth, SampleType type,
+                   FloatEncoding encoding, RgbSamples* into);

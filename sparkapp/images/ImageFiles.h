@@ -21,10 +21,15 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "FilePixels.h"
 #include "HostPixels.h"
+
+namespace safeio {
+class OutputFile;
+}
 #include "RunStatus.h"
 
 const int kMaxFrameSide = 32768;
@@ -51,13 +56,19 @@ RunStatus readImage(const std::string& path, const ReadRequest& request, FilePix
 // checked against the memory available.
 RunStatus readImage(const std::string& path, int requestedDepth, FilePixels* picture, int* depth);
 
-// The decode itself, in this process: what the reader process runs.
-RunStatus decodeImage(const std::string& path, const ReadRequest& request, FilePixels* picture,
-                      int* depth);
+// The decode itself, in this process (what the reader process runs), into
+// memory the caller places: place(bytes) gives room for the picture's
+// samples (null when there is none); *picture gets the facts only.
+using SamplePlace = std::function<void*(size_t bytes)>;
+RunStatus decodeImageInto(const std::string& path, const ReadRequest& request, FilePixels* picture,
+                          int* depth, const SamplePlace& place);
 
 // Sets up OpenImageIO for this tool: everything on the calling thread, so
 // that pictures come out the same whatever the machine.
 void configureImageLibrary();
+// For the reader process: decoders may use the image library's threads (a
+// decoded picture does not depend on them).
+void configureReaderLibrary();
 
 // Checks before any work that path can be written: its folder exists and is
 // writable and OpenImageIO has a writer for its extension.
@@ -73,3 +84,9 @@ SampleType outputSampleType(const std::string& path, int hostDepth);
 // one otherwise stamp the time of writing).
 RunStatus writeImage(const std::string& path, int width, int height, const RgbSamples& result,
                      const std::string& dateTime = "");
+// The writing alone, into file, which the caller opened for path and commits
+// (the frame loop commits its frames in order); on a failure the file is
+// discarded. threads: the writer's own threads (the bytes do not depend on
+// them); DPX of the plates' layouts skips the library (DpxFastPath.h).
+RunStatus encodeImage(const std::string& path, int width, int height, const RgbSamples& result,
+                      const std::string& dateTime, safeio::OutputFile& file, int threads);

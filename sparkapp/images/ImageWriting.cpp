@@ -4,9 +4,11 @@
 #include <OutputFile.h>
 
 #include <algorithm>
+#include <cstring>
 #include <set>
 #include <vector>
 
+#include "DpxFastPath.h"
 #include "ImageFiles.h"
 #include "OutputFileProxy.h"
 #include "OutputPaths.h"
@@ -95,20 +97,26 @@ bool readsBack(const std::string& path, int width, int height, std::string* erro
 }
 }  // namespace
 
-RunStatus writeImage(const std::string& path, int width, int height, const RgbSamples& result,
-                     const std::string& dateTime) {
+RunStatus encodeImage(const std::string& path, int width, int height, const RgbSamples& result,
+                      const std::string& dateTime, safeio::OutputFile& file, int threads) {
     auto out = OIIO::ImageOutput::create(path);
     if (!out) return outputFailure("unsupported output format for " + path + ": " + oiioError());
-    out->threads(1);
+    // DPX stores the file's own name, not the temporary's.
+    if (std::strcmp(out->format_name(), "dpx") == 0 &&
+        writeDpxFast(baseOf(path), width, height, result, dateTime, file)) {
+        const std::string failure = file.failure();
+        if (failure.empty()) return RunStatus::success();
+        file.discard();
+        return outputFailure("cannot write " + path + ": " + failure);
+    }
+    out->threads(threads);
     OIIO::TypeDesc type = OIIO::TypeDesc::UINT8;
     if (result.type == SampleType::Sixteen) type = OIIO::TypeDesc::UINT16;
     if (result.type == SampleType::Float) type = OIIO::TypeDesc::FLOAT;
     OIIO::ImageSpec header(width, height, kRgbChannels, type);
     if (!dateTime.empty()) header.attribute("DateTime", dateTime);
 
-    safeio::OutputFile file;
     std::string reason;
-    if (!file.open(path, &reason)) return outputFailure("cannot write " + path + ": " + reason);
     bool proxied;
     bool fine;
     {
@@ -133,6 +141,18 @@ RunStatus writeImage(const std::string& path, int width, int height, const RgbSa
         return outputFailure("cannot write " + path + ": " +
                              (reason.empty() ? std::string("the writer failed") : reason));
     }
+    return RunStatus::success();
+}
+
+RunStatus writeImage(const std::string& path, int width, int height, const RgbSamples& result,
+                     const std::string& dateTime) {
+    safeio::OutputFile file;
+    std::string reason;
+    if (!OIIO::ImageOutput::create(path))
+        return outputFailure("unsupported output format for " + path + ": " + oiioError());
+    if (!file.open(path, &reason)) return outputFailure("cannot write " + path + ": " + reason);
+    const RunStatus status = encodeImage(path, width, height, result, dateTime, file, 1);
+    if (!status.ok()) return status;
     if (!file.commit(&reason)) return outputFailure("cannot write " + path + ": " + reason);
     return RunStatus::success();
 }

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "ControlAssignments.h"
+#include "FrameInputs.h"
 #include "FrameMemory.h"
 #include "FramePlan.h"
 #include "ImageFiles.h"
@@ -122,16 +123,22 @@ RunStatus renderFrame(const RunOptions& options, const FramePlan& plan, unsigned
     return status;
 }
 
-RunStatus renderFrames(const RunOptions& options, const FramePlan& plan, SparkSession& session,
-                       FirstFrame& first) {
+// The plain loop: read, process, write, then the next frame.
+RunStatus renderSequentially(const RunOptions& options, const FramePlan& plan,
+                             SparkSession& session, FirstFrame& first) {
     RunStatus status;
-    ProgressBar progress(static_cast<int>(plan.frames.size()));
+    ProgressBar progress(static_cast<int>(plan.frames.size()), options.progress);
+    const bool firstIsFloat = first.picture.isFloat;
     for (size_t i = 0; status.ok() && i < plan.frames.size(); ++i) {
         const unsigned frame = plan.frames[i];
         // A still input is read once and stands for every frame.
         if (i > 0 && plan.input.isSequence()) {
             int frameDepth = 0;
-            status = readImage(plan.input.fileFor(frame), first.next, &first.picture, &frameDepth);
+            const std::string name = plan.input.fileFor(frame);
+            status = readImage(name, first.next, &first.picture, &frameDepth);
+            if (status.ok())
+                status = checkFrameKind(options.floatEncoding, firstIsFloat, first.picture.isFloat,
+                                        name);
             if (!status.ok()) break;
         }
         status = renderFrame(options, plan, frame, session, first.picture, first.depth);
@@ -140,9 +147,64 @@ RunStatus renderFrames(const RunOptions& options, const FramePlan& plan, SparkSe
     progress.finish();
     return status;
 }
+
+const int kReadLanes = 2;  // frames decoded at once
+const int kReadAhead = 2;  // frames decoded and waiting (N+1, N+2)
+const int kWriters = 2;    // frames encoded and written at once
+
+OutputSettings outputSettings(const RunOptions& options, const FramePlan& plan,
+                              const SparkSession& session, FrameLoopWatch* watch) {
+    OutputSettings settings;
+    settings.width = session.width();
+    settings.height = session.height();
+    settings.depth = session.depth();
+    settings.encoding = options.floatEncoding;
+    settings.type = outputSampleType(plan.output.fileFor(plan.frames.front()), session.depth());
+    settings.total = plan.frames.size();
+    settings.verbose = options.verbose;
+    settings.progress = options.progress;
+    if (watch) settings.written = watch->written;
+    return settings;
+}
+
+// The pipeline: frames read ahead, processed here in order, written behind.
+RunStatus renderPipelined(const RunOptions& options, const FramePlan& plan, SparkSession& session,
+                          const FirstFrame& first, FrameLoopWatch* watch) {
+    FrameSource source;
+    source.plan = &plan;
+    source.first = &first.picture;
+    source.next = first.next;
+    source.depth = first.depth;
+    source.encoding = options.floatEncoding;
+    FrameInputs inputs(source, session, kReadLanes, kReadAhead);
+    FrameOutputs outputs(outputSettings(options, plan, session, watch), session, kWriters);
+    SparkSession::HostFrame input = session.newHostFrame();
+    SparkSession::HostFrame result = session.newHostFrame();
+    const unsigned total = static_cast<unsigned>(plan.frames.size());
+    RunStatus status;
+    for (size_t i = 0; i < plan.frames.size() && !outputs.failed(); ++i) {
+        if (watch && watch->stopAsked && watch->stopAsked()) {
+            watch->stopped = true;
+            break;
+        }
+        const unsigned frame = plan.frames[i];
+        TakenFrame taken;
+        status = inputs.take(i, &input, &taken);
+        if (!status.ok()) break;
+        reportClipped(taken.clipped, options.floatEncoding, plan.input.fileFor(frame));
+        std::string animated;
+        status = session.processFilled(frame, total, &input, &result, &animated);
+        if (!status.ok()) break;
+        outputs.submit(i, frame, plan.output.fileFor(frame), taken.dateTime, animated, &result);
+    }
+    // The frames before a failure here are written; a failed write before it is the one to tell.
+    const RunStatus written = outputs.finish();
+    return written.ok() ? status : written;
+}
 }  // namespace
 
-RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
+RunStatus runFrames(const RunOptions& options, const std::string& pluginPath,
+                    FrameLoopWatch* watch) {
     FramePlan plan;
     RunStatus status = planFrames(options, &plan);
     if (!status.ok()) return status;
@@ -151,7 +213,9 @@ RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
     if (!status.ok()) return status;
     SparkSession session(options.quiet, options.processors);
     status = startSession(options, pluginPath, plan, first, session);
-    if (status.ok()) status = renderFrames(options, plan, session, first);
+    if (status.ok())
+        status = options.sequential ? renderSequentially(options, plan, session, first)
+                                    : renderPipelined(options, plan, session, first, watch);
     const RunStatus finished = session.finish(status.ok() ? options.saveSetupPath : "");
     return status.ok() ? finished : status;
 }

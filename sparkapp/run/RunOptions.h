@@ -33,7 +33,9 @@ struct RunOptions {
     FloatEncoding floatEncoding = FloatEncoding::Linear;
     bool verbose = false;
     bool quiet = false;
-    int chartWidth = 0;  // 0: the default chart size
+    int progress = -1;        // --progress 1, --no-progress 0; -1: when stderr is a terminal
+    bool sequential = false;  // --sequential: one frame after another, nothing ahead
+    int chartWidth = 0;       // 0: the default chart size
     int chartHeight = 0;
     double marginPercent = 10.0;
 

@@ -46,6 +46,11 @@ options:
                          12-bit host; within 0.1% of value + 1/64)
   --max-memory SIZE      memory a frame may need (512M, 8G, ...); default: what
                          the machine has free. A larger frame is refused (exit 3)
+  --progress, --no-progress
+                         show (or not) a progress line with frames per second
+                         and the time left (default: when stderr is a terminal)
+  --sequential           read, process and write one frame after another instead
+                         of reading ahead and writing behind (same files, slower)
   --verbose              report each frame, its animated values and the peak memory
   --quiet                drop the plug-in's console output and messages (a crash
                          or a sanitizer report still shows)

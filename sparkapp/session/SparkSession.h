@@ -57,6 +57,19 @@ class SparkSession {
     RunStatus process(unsigned frame, unsigned totalFrames, const FilePixels& picture,
                       const unsigned char** result, std::string* animated);
 
+    // For the pipelined frame loop, which fills host frames on other threads:
+    // a host frame's storage at the session's size and depth (made once per
+    // buffer, never per frame).
+    using HostFrame = std::vector<unsigned long>;
+    HostFrame newHostFrame() const;
+    // Runs one frame whose input is already in *input (a filled host frame):
+    // it is exchanged with the host's input buffer (so *input then holds the
+    // previous one, free to fill again), the plug-in runs, and the frame it
+    // returned is exchanged into *result, whose free storage the host keeps
+    // for the next frame. Nothing is allocated or cleared.
+    RunStatus processFilled(unsigned frame, unsigned totalFrames, HostFrame* input,
+                            HostFrame* result, std::string* animated);
+
     // SparkUnInitialise; writes the set-up to savePath when it is not empty.
     RunStatus finish(const std::string& savePath);
 
@@ -74,6 +87,10 @@ class SparkSession {
     int depth() const { return depth_; }
 
   private:
+    // SparkProcessStart and SparkProcess on the buffers as they are; the
+    // answer checked to be one of them (kOutputBufferId or kInputBufferId).
+    RunStatus runPlugin(unsigned frame, unsigned totalFrames, std::string* animated,
+                        int* returnedId);
     SparkInfoStruct infoFor(unsigned frame, unsigned totalFrames, const std::string& name) const;
 
     bool quiet_;

@@ -1,0 +1,132 @@
+// Writing frames behind the plug-in, committed in order.
+#include "FrameOutputs.h"
+
+#include <cstdio>
+
+#include "FrameMemory.h"
+#include "ImageFiles.h"
+#include "ReaderProcess.h"
+
+FrameOutputs::FrameOutputs(const OutputSettings& settings, const SparkSession& session, int writers)
+    : settings_(settings), progress_(static_cast<int>(settings.total), settings.progress) {
+    for (int i = 0; i < writers; ++i) free_.push_back(session.newHostFrame());
+    for (int i = 0; i < writers; ++i) writers_.emplace_back(&FrameOutputs::writer, this);
+}
+
+FrameOutputs::~FrameOutputs() { finish(); }
+
+void FrameOutputs::submit(size_t index, unsigned frame, const std::string& path,
+                          const std::string& dateTime, const std::string& animated,
+                          SparkSession::HostFrame* rendered) {
+    std::unique_lock<std::mutex> hold(lock_);
+    Job job;
+    job.index = index;
+    job.frame = frame;
+    job.path = path;
+    job.dateTime = dateTime;
+    job.animated = animated;
+    job.pixels.swap(*rendered);
+    queue_.push_back(std::move(job));
+    ++handedIn_;
+    changed_.notify_all();
+    changed_.wait(hold, [this] { return !free_.empty(); });
+    rendered->swap(free_.back());
+    free_.pop_back();
+}
+
+bool FrameOutputs::failed() {
+    std::lock_guard<std::mutex> hold(lock_);
+    return failedAt_ != ~size_t(0);
+}
+
+RunStatus FrameOutputs::finish() {
+    {
+        std::unique_lock<std::mutex> hold(lock_);
+        if (finished_) return failure_;
+        changed_.wait(hold, [this] { return nextCommit_ == handedIn_; });
+        closing_ = true;
+    }
+    changed_.notify_all();
+    for (std::thread& writer : writers_) writer.join();
+    finished_ = true;
+    progress_.finish();
+    return failure_;
+}
+
+void FrameOutputs::writer() {
+    RgbSamples samples;  // kept from frame to frame: its room is made once
+    std::unique_lock<std::mutex> hold(lock_);
+    for (;;) {
+        changed_.wait(hold, [this] { return closing_ || !queue_.empty(); });
+        if (queue_.empty()) return;
+        Job job = std::move(queue_.front());
+        queue_.pop_front();
+        hold.unlock();
+        write(job, samples);
+        hold.lock();
+    }
+}
+
+void FrameOutputs::fail(size_t index, const RunStatus& status) {
+    std::lock_guard<std::mutex> hold(lock_);
+    if (index < failedAt_) {
+        failedAt_ = index;
+        failure_ = status;
+    }
+}
+
+void FrameOutputs::write(Job& job, RgbSamples& samples) {
+    readHostFrame(reinterpret_cast<const unsigned char*>(job.pixels.data()), settings_.width,
+                  settings_.height, settings_.depth, settings_.type, settings_.encoding, &samples);
+    {
+        std::lock_guard<std::mutex> hold(lock_);
+        free_.push_back(std::move(job.pixels));
+    }
+    changed_.notify_all();
+    safeio::OutputFile file;
+    RunStatus status;
+    if (!failed()) {
+        std::string reason;
+        if (!file.open(job.path, &reason))
+            status =
+                RunStatus::failure(ExitCode::Output, "cannot write " + job.path + ": " + reason);
+        if (status.ok())
+            status = encodeImage(job.path, settings_.width, settings_.height, samples, job.dateTime,
+                                 file, 1);
+        // To the disk now; only the rename waits for the frames before.
+        if (status.ok() && !file.sync())
+            status = RunStatus::failure(ExitCode::Output,
+                                        "cannot write " + job.path + ": " + file.failure());
+        if (!status.ok()) fail(job.index, status);
+    }
+    commitInTurn(job, file, status);
+}
+
+void FrameOutputs::commitInTurn(const Job& job, safeio::OutputFile& file, RunStatus status) {
+    std::unique_lock<std::mutex> hold(lock_);
+    changed_.wait(hold, [&] { return nextCommit_ == job.index; });
+    const bool allowed = status.ok() && job.index < failedAt_;
+    // Only the frame whose turn it is commits: the lock is not needed for it.
+    hold.unlock();
+    std::string reason;
+    const bool written = allowed && file.commit(&reason);
+    if (!written) file.discard();
+    hold.lock();
+    if (allowed && !written && job.index < failedAt_) {
+        failedAt_ = job.index;
+        failure_ = RunStatus::failure(ExitCode::Output, "cannot write " + job.path + ": " + reason);
+    }
+    ++nextCommit_;
+    if (written) {
+        if (settings_.verbose)
+            std::printf(
+                "frame %u: %s%s%s  (peak memory: tool %s, reader %s; reader between frames %s)\n",
+                job.frame, job.path.c_str(), job.animated.empty() ? "" : "  ", job.animated.c_str(),
+                memoryText(peakMemory()).c_str(), memoryText(readerPeakMemory()).c_str(),
+                memoryText(readerIdleMemory()).c_str());
+        progress_.advance(static_cast<int>(nextCommit_), job.frame);
+        if (settings_.written)
+            settings_.written(FrameWritten{nextCommit_, settings_.total, job.frame, job.path});
+    }
+    changed_.notify_all();
+}

@@ -1,0 +1,97 @@
+// FrameOutputs: the frame loop's writing behind. Writer threads take the
+// frames the plug-in returned, convert them to file samples, encode them
+// into exclusively created temporaries and sync them, while the plug-in
+// works on the next frames; the temporaries are then renamed over their
+// outputs strictly in frame order.
+//
+// A failure (a full disk, a writer error) at frame k: every frame before k
+// is still committed whole, k and every frame after it are not (their
+// temporaries removed), and the failure with the lowest frame is the one
+// reported. A fixed number of host frames circulates between the loop and
+// the writers (the loop waits for a free one), so memory stays flat.
+//
+// After each commit, in frame order: the --verbose line, the progress bar
+// and the watcher's call (FrameLoop.h), from the writer thread.
+#pragma once
+
+#include <OutputFile.h>
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "FloatEncoding.h"
+#include "HostPixels.h"
+#include "ProgressBar.h"
+#include "RunStatus.h"
+#include "SparkSession.h"
+
+// One frame written, as the writers report it.
+struct FrameWritten {
+    size_t done = 0;  // frames written so far
+    size_t total = 0;
+    unsigned frame = 0;
+    std::string path;
+};
+
+struct OutputSettings {
+    int width = 0;
+    int height = 0;
+    int depth = 0;
+    FloatEncoding encoding = FloatEncoding::Linear;
+    SampleType type = SampleType::Eight;  // of every output (they share one format)
+    size_t total = 0;                     // frames in the run
+    bool verbose = false;
+    int progress = -1;  // ProgressBar's shown
+    std::function<void(const FrameWritten&)> written;
+};
+
+class FrameOutputs {
+  public:
+    FrameOutputs(const OutputSettings& settings, const SparkSession& session, int writers);
+    ~FrameOutputs();  // finishes
+    FrameOutputs(const FrameOutputs&) = delete;
+    FrameOutputs& operator=(const FrameOutputs&) = delete;
+
+    // Hands frame `index` (rendered into *rendered) to the writers for path;
+    // *rendered gets a free host frame back (waiting for one if need be).
+    void submit(size_t index, unsigned frame, const std::string& path, const std::string& dateTime,
+                const std::string& animated, SparkSession::HostFrame* rendered);
+    // True once a frame failed: the loop stops handing in frames.
+    bool failed();
+    // Waits for every frame handed in; the failure of the lowest frame, if any.
+    RunStatus finish();
+
+  private:
+    struct Job {
+        size_t index = 0;
+        unsigned frame = 0;
+        std::string path;
+        std::string dateTime;
+        std::string animated;
+        SparkSession::HostFrame pixels;
+    };
+
+    void writer();
+    void write(Job& job, RgbSamples& samples);
+    void commitInTurn(const Job& job, safeio::OutputFile& file, RunStatus status);
+    void fail(size_t index, const RunStatus& status);
+
+    OutputSettings settings_;
+    ProgressBar progress_;
+    std::vector<SparkSession::HostFrame> free_;
+    std::deque<Job> queue_;
+    std::vector<std::thread> writers_;
+    std::mutex lock_;
+    std::condition_variable changed_;
+    size_t nextCommit_ = 0;  // the index whose turn it is
+    size_t handedIn_ = 0;
+    size_t failedAt_ = ~size_t(0);
+    RunStatus failure_;
+    bool closing_ = false;
+    bool finished_ = false;
+};
