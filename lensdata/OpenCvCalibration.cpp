@@ -1,8 +1,13 @@
 #include "OpenCvCalibration.h"
 
+#include <sys/stat.h>
+
+#include <cerrno>
 #include <cmath>
+#include <cstring>
 #include <opencv2/calib3d.hpp>
 #include <opencv2/core.hpp>
+#include <opencv2/core/utils/logger.hpp>
 #include <sstream>
 
 #include "LensConventions.h"
@@ -105,6 +110,8 @@ LensDataStatus readStorage(cv::FileStorage& fs, OpenCvCalibration& calibration) 
 
 LensDataStatus openAndRead(const std::string& source, int flags, const std::string& label,
                            OpenCvCalibration& calibration) {
+    // OpenCV's own log would repeat on the console what the status says.
+    cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
     try {
         cv::FileStorage fs(source, flags);
         if (!fs.isOpened())
@@ -134,6 +141,15 @@ bool radialOnly(const OpenCvCalibration& c) {
 }  // namespace
 
 LensDataStatus readOpenCvCalibration(const std::string& path, OpenCvCalibration& calibration) {
+    // Only a regular file: a pipe or a device would hang the read or never end it.
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0)
+        return LensDataStatus::fail(
+            LensDataFailure::kUnreadableFile,
+            "cannot open the calibration " + path + ": " + std::strerror(errno));
+    if (!S_ISREG(status.st_mode))
+        return LensDataStatus::fail(LensDataFailure::kUnreadableFile,
+                                    "the calibration " + path + " is not a regular file");
     return openAndRead(path, cv::FileStorage::READ, path, calibration);
 }
 

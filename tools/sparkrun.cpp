@@ -13,6 +13,7 @@
 #include "ControlsRun.h"
 #include "FrameLoop.h"
 #include "ImageFiles.h"
+#include "LensDataRun.h"
 #include "OptionRules.h"
 #include "OutputNames.h"
 #include "PictureUtilities.h"
@@ -42,6 +43,10 @@ RunStatus run(RunOptions& options, time_t runStart) {
             return runTraceChart(options);
         case RunMode::ListControls:
             return runControlsOnly(options, plugin);
+        case RunMode::StMap:
+            return runStMap(options, plugin);
+        case RunMode::ExportLens:
+            return runExportLens(options, plugin);
         case RunMode::Process:
             if (options.files.empty()) return runControlsOnly(options, plugin);
             return runFrames(options, plugin);

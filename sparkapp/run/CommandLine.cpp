@@ -56,24 +56,45 @@ CLI::Option* addFlag(CLI::App& app, const std::string& name, std::function<void(
     return app.add_flag_callback(name, std::move(set))->disable_flag_override();
 }
 
-// The utility modes: each sets the mode and is kept in the order given.
-void addModes(CLI::App& app, RunOptions& options) {
-    const std::pair<const char*, RunMode> modes[] = {{"--list-controls", RunMode::ListControls},
-                                                     {"--make-chart", RunMode::MakeChart},
-                                                     {"--side-by-side", RunMode::SideBySide},
-                                                     {"--compare", RunMode::Compare},
-                                                     {"--trace-chart", RunMode::TraceChart}};
-    for (const auto& mode : modes)
-        addFlag(app, mode.first, [&options, mode] {
-            options.modeOptions.push_back(mode.first);
-            if (options.mode == RunMode::Process) options.mode = mode.second;
-        });
+// The options that choose a mode; the first given chooses it.
+const std::pair<const char*, RunMode> kModeOptions[] = {
+    {"--list-controls", RunMode::ListControls}, {"--make-chart", RunMode::MakeChart},
+    {"--side-by-side", RunMode::SideBySide},    {"--compare", RunMode::Compare},
+    {"--trace-chart", RunMode::TraceChart},     {"--stmap", RunMode::StMap},
+    {"--to-opencv", RunMode::ExportLens},       {"--to-lensfun", RunMode::ExportLens}};
+
+// The utility modes without a value.
+void addModes(CLI::App& app) {
+    for (const auto& mode : kModeOptions) {
+        const std::string name = mode.first;
+        if (mode.second != RunMode::StMap && mode.second != RunMode::ExportLens)
+            addFlag(app, name, [] {});
+    }
+}
+
+// The mode options in the order they were given (CLI11 runs the options'
+// callbacks in the order they were declared), and the mode of the first.
+void takeModes(const CLI::App& app, RunOptions& options) {
+    for (const CLI::Option* option : app.parse_order())
+        for (const auto& mode : kModeOptions)
+            if (option->get_name() == mode.first) {
+                options.modeOptions.push_back(mode.first);
+                if (options.modeOptions.size() == 1 && options.mode != RunMode::Help)
+                    options.mode = mode.second;
+            }
+}
+
+// A number with nothing after it, finite.
+bool parseNumber(const std::string& text, double* value) {
+    char* end = nullptr;
+    *value = std::strtod(text.c_str(), &end);
+    return !text.empty() && end && !*end && std::isfinite(*value);
 }
 
 void addUtilityOptions(CLI::App& app, RunOptions& options) {
     addValue(app, "--size", [&options](const std::string& value) {
-        if (!parseSize(value, &options.chartWidth, &options.chartHeight) ||
-            options.chartWidth < 1 || options.chartHeight < 1)
+        if (!parseSize(value, &options.sizeWidth, &options.sizeHeight) || options.sizeWidth < 1 ||
+            options.sizeHeight < 1)
             throw ValueRefused("--size takes WIDTHxHEIGHT, not \"" + value + "\"");
     });
     addValue(app, "--margin", [&options](const std::string& value) {
@@ -94,13 +115,46 @@ RunStatus refusal(const CLI::App& app, const CLI::ParseError& error) {
         if (text.compare(0, name.size() + 1, name + ":") != 0 &&
             text.compare(0, bare.size() + 1, bare + " ") != 0)
             continue;
+        const int values = option->get_expected_min();
         return RunStatus::failure(
             ExitCode::Usage,
-            name + (option->get_expected_min() == 0 ? " takes no value" : " needs a value"));
+            name + (values == 0   ? " takes no value"
+                    : values == 1 ? " needs a value"
+                                  : " needs " + std::to_string(values) + " values"));
     }
     return RunStatus::failure(ExitCode::Usage, text);
 }
 }  // namespace
+
+void addLensDataOptions(CLI::App& app, RunOptions& options) {
+    addText(app, "--stmap", options.stMapPath);
+    addText(app, "--to-opencv", options.toOpenCv);
+    addText(app, "--to-lensfun", options.toLensfun);
+    addValue(app, "--overscan", [&options](const std::string& value) {
+        if (!parseNumber(value, &options.overscanPercent) || options.overscanPercent < 0.0 ||
+            options.overscanPercent > 100.0)
+            throw ValueRefused("--overscan takes a percentage from 0 to 100, not \"" + value +
+                               "\"");
+        options.overscanGiven = true;
+    });
+    addText(app, "--from-opencv", options.fromOpenCv);
+    app.add_option("--from-lensfun", options.fromLensfun)->expected(4)->allow_extra_args(false);
+    addValue(app, "--correct-in", [&options](const std::string& value) {
+        if (value != "add" && value != "remove")
+            throw ValueRefused("--correct-in takes add or remove, not \"" + value + "\"");
+        options.correctIn = value == "add" ? CorrectIn::Add : CorrectIn::Remove;
+        options.correctInGiven = true;
+    });
+    addValue(app, "--focal", [&options](const std::string& value) {
+        if (!parseNumber(value, &options.focalMm) || options.focalMm <= 0.0)
+            throw ValueRefused("--focal takes a focal length in millimetres, not \"" + value +
+                               "\"");
+    });
+    addValue(app, "--crop", [&options](const std::string& value) {
+        if (!parseNumber(value, &options.cropFactor) || options.cropFactor <= 0.0)
+            throw ValueRefused("--crop takes a crop factor above 0, not \"" + value + "\"");
+    });
+}
 
 void addSessionOptions(CLI::App& app, RunOptions& options) {
     addText(app, "--plugin", options.pluginPath);
@@ -145,8 +199,9 @@ RunStatus parseCommandLine(int argc, char** argv, RunOptions* options) {
     addFlag(app, "--help", [options] { options->mode = RunMode::Help; });
     addSessionOptions(app, *options);
     addText(app, "--overlay", options->overlayPath);
-    addModes(app, *options);
+    addModes(app);
     addUtilityOptions(app, *options);
+    addLensDataOptions(app, *options);
     app.add_option("files", options->files);
     try {
         app.parse(argc, argv);
@@ -155,6 +210,7 @@ RunStatus parseCommandLine(int argc, char** argv, RunOptions* options) {
     } catch (const CLI::ParseError& error) {
         return refusal(app, error);
     }
+    takeModes(app, *options);
     for (std::string extra : app.remaining()) {
         if (extra == kEndOfOptions) continue;
         return RunStatus::failure(ExitCode::Usage,

@@ -23,5 +23,9 @@ RunStatus parseCommandLine(int argc, char** argv, RunOptions* options);
 // writing into options; every program that drives a session shares them.
 void addSessionOptions(CLI::App& app, RunOptions& options);
 
+// Declares the lens data options: --stmap, --overscan, --from-opencv,
+// --from-lensfun, --correct-in, --to-opencv, --to-lensfun, --focal, --crop.
+void addLensDataOptions(CLI::App& app, RunOptions& options);
+
 // sparkrun's usage text (--help).
 const char* usageText();

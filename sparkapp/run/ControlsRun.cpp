@@ -5,6 +5,7 @@
 
 #include "ControlAssignments.h"
 #include "HostPixels.h"
+#include "LensDataRun.h"
 #include "SparkSession.h"
 
 namespace {
@@ -18,6 +19,9 @@ RunStatus runControlsOnly(const RunOptions& options, const std::string& pluginPa
     if (!status.ok()) return status;
     const int depth = options.depth ? options.depth : kHostDepth8;
     status = session.start(kNominalWidth, kNominalHeight, depth, 1.0f, options.setupPath);
+    // A lens from another program at --size, or an OpenCV calibration's own size.
+    if (status.ok())
+        status = applyLensSource(options, session, options.sizeWidth, options.sizeHeight);
     if (status.ok()) status = applyControlValues(options.sets, options.keys, session.controls());
     if (status.ok() && options.mode == RunMode::ListControls)
         std::fputs(session.controls().listing().c_str(), stdout);

@@ -9,6 +9,7 @@
 #include "FrameMemory.h"
 #include "FramePlan.h"
 #include "ImageFiles.h"
+#include "LensDataRun.h"
 #include "ProgressBar.h"
 #include "ReaderProcess.h"
 #include "SparkSession.h"
@@ -92,6 +93,7 @@ RunStatus startSession(const RunOptions& options, const std::string& pluginPath,
     const FilePixels& picture = first.picture;
     status = session.start(picture.width, picture.height, first.depth, picture.pixelAspect,
                            options.setupPath);
+    if (status.ok()) status = applyLensSource(options, session, picture.width, picture.height);
     if (status.ok()) status = applyControlValues(options.sets, options.keys, session.controls());
     if (status.ok() && options.verbose)
         std::printf("%s: %dx%d at %d bits, %zu frame(s)\n", pluginPath.c_str(), picture.width,

@@ -5,6 +5,9 @@
 
 #include <spark.h>
 
+#include <cctype>
+#include <cmath>
+#include <cstdlib>
 #include <functional>
 #include <vector>
 
@@ -23,11 +26,25 @@ bool imagesIn(const RunOptions& options) {
     return options.mode == RunMode::Process && !options.files.empty();
 }
 
+// The lens exports are one mode: both may be written at once.
+bool exportOption(const std::string& option) {
+    return option == "--to-opencv" || option == "--to-lensfun";
+}
+
 // One utility mode at a time.
 RunStatus oneMode(const RunOptions& options) {
+    const std::string first = options.modeOptions.empty() ? "" : options.modeOptions.front();
     for (const std::string& option : options.modeOptions)
-        if (option != options.modeOptions.front())
+        if (option != first && !(exportOption(option) && exportOption(first)))
             return usage(option + " cannot be combined with another mode option");
+    return RunStatus::success();
+}
+
+// A mode without pictures takes its frame's size from --size or one INPUT.
+RunStatus frameSize(const RunOptions& options, const std::string& option) {
+    const bool sized = options.sizeWidth > 0;
+    if (options.files.size() + (sized ? 1 : 0) != 1)
+        return usage(option + " needs the frame's size: --size WxH or one INPUT picture, not both");
     return RunStatus::success();
 }
 
@@ -48,6 +65,9 @@ RunStatus modeFiles(const RunOptions& options) {
         case RunMode::ListControls:
             return count == 0 ? RunStatus::success()
                               : usage("--list-controls takes no INPUT or OUTPUT");
+        case RunMode::StMap:
+        case RunMode::ExportLens:
+            return frameSize(options, options.modeOptions.front());
         case RunMode::Process:
             // With no names at all, --save-setup alone saves the controls.
             if (count == 2 || (count == 0 && !options.saveSetupPath.empty()))
@@ -120,9 +140,76 @@ RunStatus overlayName(const RunOptions& options) {
     return RunStatus::success();
 }
 
+// An ST-map is a float OpenEXR file, one per frame when there are several.
+RunStatus stMapNames(const RunOptions& options) {
+    if (options.mode != RunMode::StMap)
+        return options.overscanGiven ? usage("--overscan applies to --stmap")
+                                     : RunStatus::success();
+    const std::string& map = options.stMapPath;
+    const size_t dot = map.rfind('.');
+    std::string extension = dot == std::string::npos ? "" : map.substr(dot + 1);
+    for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    if (extension != "exr") return usage("--stmap writes OpenEXR: " + map + " must end in .exr");
+    FramePattern output, input;
+    std::string error;
+    if (!FramePattern::parse(map, &output, &error)) return usage(error);
+    if (!options.files.empty() && !FramePattern::parse(options.files[0], &input, &error))
+        return usage(error);
+    std::vector<unsigned> frames;
+    if (!options.frames.empty() && !parseFrameRange(options.frames, &frames, &error))
+        return usage(error);
+    const bool several = frames.size() > 1 || (options.frames.empty() && input.isSequence());
+    return checkSequenceOutput(several ? 2 : 1, map);
+}
+
+// --from-lensfun's focal length, in millimetres.
+bool lensfunFocal(const RunOptions& options, double* focal) {
+    const std::string& text = options.fromLensfun[3];
+    char* end = nullptr;
+    *focal = std::strtod(text.c_str(), &end);
+    return !text.empty() && end && !*end && *focal > 0.0 && std::isfinite(*focal);
+}
+
+// The lens comes from one program; the choice of correcting mode goes with it.
+RunStatus lensSource(const RunOptions& options) {
+    if (!options.fromOpenCv.empty() && !options.fromLensfun.empty())
+        return usage("give --from-opencv or --from-lensfun, not both");
+    if (options.correctInGiven && !options.lensSource())
+        return usage("--correct-in applies to --from-opencv and --from-lensfun");
+    if (!options.lensSource()) return RunStatus::success();
+    const RunMode mode = options.mode;
+    if (mode != RunMode::Process && mode != RunMode::ListControls && mode != RunMode::StMap &&
+        mode != RunMode::ExportLens)
+        return usage(
+            "--from-opencv and --from-lensfun set the controls: use them with INPUT OUTPUT, "
+            "--save-setup, --list-controls, --stmap, --to-opencv or --to-lensfun");
+    if (options.fromLensfun.empty()) return RunStatus::success();
+    double focal = 0.0;
+    if (options.fromLensfun.size() != 4 || !lensfunFocal(options, &focal))
+        return usage(
+            "--from-lensfun takes MAKER MODEL LENS FOCAL, the focal length in "
+            "millimetres last");
+    if (options.sizeWidth <= 0 && options.files.empty())
+        return usage("--from-lensfun needs the frame's size: an INPUT picture or --size WxH");
+    return RunStatus::success();
+}
+
+// A lens written for other programs needs its focal length.
+RunStatus lensExport(const RunOptions& options) {
+    const bool exports = options.mode == RunMode::ExportLens;
+    if (!exports && (options.focalMm > 0.0 || options.cropFactor > 0.0))
+        return usage("--focal and --crop apply to --to-opencv and --to-lensfun");
+    if (exports && !(options.focalMm > 0.0))
+        return usage(
+            "--to-opencv and --to-lensfun need the lens's --focal MM (and --crop for a camera "
+            "smaller than 35 mm film)");
+    return RunStatus::success();
+}
+
 const std::vector<Rule>& rules() {
-    static const std::vector<Rule> all = {oneMode,        setupNames,  viewerNeedsImages, modeFiles,
-                                          namesAndFrames, logEncoding, overlayName};
+    static const std::vector<Rule> all = {
+        oneMode,     setupNames,  viewerNeedsImages, modeFiles,  namesAndFrames,
+        logEncoding, overlayName, stMapNames,        lensSource, lensExport};
     return all;
 }
 }  // namespace

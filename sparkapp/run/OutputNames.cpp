@@ -15,6 +15,8 @@ std::string outputOf(const RunOptions& options) {
             return options.files.size() == 3 ? options.files[2] : "";
         case RunMode::TraceChart:
             return options.files.size() == 2 ? options.files[1] : "";
+        case RunMode::StMap:
+            return options.stMapPath;
         default:
             return "";
     }
@@ -30,7 +32,7 @@ RunStatus prepareOutputs(const RunOptions& options, time_t runStart) {
     }
     const std::string output = outputOf(options);
     if (!output.empty()) sweepStaleTemporaries(output, runStart, options.verbose);
-    if (!options.overlayPath.empty())
-        sweepStaleTemporaries(options.overlayPath, runStart, options.verbose);
+    for (const std::string* other : {&options.overlayPath, &options.toOpenCv, &options.toLensfun})
+        if (!other->empty()) sweepStaleTemporaries(*other, runStart, options.verbose);
     return RunStatus::success();
 }

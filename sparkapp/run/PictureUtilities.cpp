@@ -8,8 +8,8 @@
 #include "TestChart.h"
 
 RunStatus runMakeChart(const RunOptions& options) {
-    return writeTestChart(options.files[0], options.chartWidth ? options.chartWidth : kChartWidth,
-                          options.chartHeight ? options.chartHeight : kChartHeight);
+    return writeTestChart(options.files[0], options.sizeWidth ? options.sizeWidth : kChartWidth,
+                          options.sizeHeight ? options.sizeHeight : kChartHeight);
 }
 
 RunStatus runSideBySide(const RunOptions& options) {

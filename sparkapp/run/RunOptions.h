@@ -12,7 +12,20 @@
 
 #include "FloatEncoding.h"
 
-enum class RunMode { Process, ListControls, MakeChart, SideBySide, Compare, TraceChart, Help };
+enum class RunMode {
+    Process,
+    ListControls,
+    MakeChart,
+    SideBySide,
+    Compare,
+    TraceChart,
+    StMap,
+    ExportLens,
+    Help
+};
+
+// Which mode corrects the plate with a lens taken from OpenCV or lensfun.
+enum class CorrectIn { Add, Remove };
 
 struct RunOptions {
     RunMode mode = RunMode::Process;
@@ -33,12 +46,32 @@ struct RunOptions {
     FloatEncoding floatEncoding = FloatEncoding::Linear;
     bool verbose = false;
     bool quiet = false;
+<<<<<<< HEAD
     int progress = -1;        // --progress 1, --no-progress 0; -1: when stderr is a terminal
     bool sequential = false;  // --sequential: one frame after another, nothing ahead
     int chartWidth = 0;       // 0: the default chart size
     int chartHeight = 0;
+=======
+    int sizeWidth = 0;  // --size: a frame without a picture (chart, ST-map, lens); 0: none
+    int sizeHeight = 0;
+>>>>>>> main
     double marginPercent = 10.0;
+
+    // Lens data in and out.
+    std::string stMapPath;         // --stmap: the set-up's ST-map (pattern for frames)
+    double overscanPercent = 0.0;  // --overscan: canvas added on each side
+    bool overscanGiven = false;
+    std::string fromOpenCv;                // --from-opencv: a calibration file
+    std::vector<std::string> fromLensfun;  // --from-lensfun: MAKER MODEL LENS FOCAL
+    CorrectIn correctIn = CorrectIn::Add;  // --correct-in
+    bool correctInGiven = false;
+    std::string toOpenCv;     // --to-opencv: the set-up as an OpenCV calibration
+    std::string toLensfun;    // --to-lensfun: the set-up as a lensfun database entry
+    double focalMm = 0.0;     // --focal: the lens's focal length for --to-*
+    double cropFactor = 0.0;  // --crop: the camera's crop factor (0: not given, 1)
 
     // --lines, --autofind or --overlay: work in the plug-in's viewer.
     bool viewerWork() const { return !linesPath.empty() || autoFind || !overlayPath.empty(); }
+    // --from-opencv or --from-lensfun: the controls come from another program's lens.
+    bool lensSource() const { return !fromOpenCv.empty() || !fromLensfun.empty(); }
 };

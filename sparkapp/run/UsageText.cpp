@@ -9,6 +9,9 @@ const char kUsage[] = R"(usage: sparkrun [options] INPUT OUTPUT
        sparkrun --side-by-side LEFT RIGHT OUTPUT
        sparkrun --compare A B [--margin PERCENT]
        sparkrun --trace-chart IMAGE LINES.json
+       sparkrun [options] --stmap MAP.exr (--size WxH | INPUT) [--overscan PERCENT]
+       sparkrun [options] --to-opencv FILE | --to-lensfun FILE --focal MM [--crop C]
+                (--size WxH | INPUT)
 
 Runs a Spark plug-in (by default straightlux.spark next to this tool) on image
 files through the simulated host. INPUT and OUTPUT are any files OpenImageIO
@@ -56,6 +59,27 @@ options:
                          or a sanitizer report still shows)
   --help
 
+lens data:
+  --stmap MAP.exr        write the set-up's ST-map, as compositors read it: 32-bit
+                         float EXR, R = s, G = t, origin at the bottom left;
+                         Mode Remove gives the undistort map, Mode Add the
+                         redistort map; a MAP pattern with --frames writes one
+                         map per frame (animation keys followed)
+  --overscan PERCENT     extend the map's canvas by PERCENT (0 to 100) of the
+                         frame on each side, the model continuing outside
+  --from-opencv FILE     set the lens controls from an OpenCV calibration
+                         (FileStorage YAML, XML or JSON), printing the residual
+  --from-lensfun MAKER MODEL LENS FOCAL
+                         set them from the lensfun database's profile (needs
+                         INPUT or --size)
+  --correct-in add|remove
+                         the mode that corrects the plate with such a lens: add
+                         (the default) takes it over exactly, remove fits it
+  --to-opencv FILE       write the set-up as an OpenCV calibration
+  --to-lensfun FILE      write the set-up as a lensfun database entry (poly5)
+  --focal MM, --crop C   the lens's focal length and the camera's crop factor
+                         (default 1, 36 mm film) for --to-opencv and --to-lensfun
+
 utilities:
   --make-chart OUTPUT    the test chart (--size WxH, default 960x540)
   --side-by-side L R OUT two pictures side by side
@@ -69,7 +93,9 @@ that is not valid JSON or has the wrong shape, a line of fewer than two
 points, a point outside the frame; AutoFind without lines, or with no line of
 three points or more); 3 input (missing, unreadable, damaged or cut-off image,
 set-up or lines file, a frame too large or needing more memory than allowed,
-no chart grid found by --trace-chart); 4 output (missing folder, name too
+no chart grid found by --trace-chart; a calibration or lensfun profile that
+is missing, incomplete, not finite, of another frame shape or outside the
+controls' ranges); 4 output (missing folder, name too
 long, unsupported format, write failure such as a full disk, --overlay
 without OpenGL off-screen drawing (libOSMesa)); 5 plug-in (not a plug-in,
 declined to start, lacks the viewer entry points or controls --lines,

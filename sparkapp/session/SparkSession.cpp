@@ -146,10 +146,7 @@ RunStatus SparkSession::process(unsigned frame, unsigned totalFrames, const File
 RunStatus SparkSession::runPlugin(unsigned frame, unsigned totalFrames, std::string* animated,
                                   int* returnedId) {
     simhost::Host& host = simhost::Host::instance();
-    if (!valuesTaken_) {
-        unkeyedValues_ = controls_->keyedValues(host);
-        valuesTaken_ = true;
-    }
+    keepUnkeyedValues();
     *animated = controls_->applyCurves(host, frame);
 
     const SparkInfoStruct info = infoFor(frame, totalFrames, setupPath_);
@@ -203,6 +200,12 @@ RunStatus SparkSession::processFilled(unsigned frame, unsigned totalFrames, Host
     else
         out.storage.swap(*result);
     return status;
+}
+
+void SparkSession::keepUnkeyedValues() {
+    if (valuesTaken_) return;
+    unkeyedValues_ = controls_->keyedValues(simhost::Host::instance());
+    valuesTaken_ = true;
 }
 
 RunStatus SparkSession::finish(const std::string& savePath) {

@@ -70,6 +70,11 @@ class SparkSession {
     RunStatus processFilled(unsigned frame, unsigned totalFrames, HostFrame* input,
                             HostFrame* result, std::string* animated);
 
+    // Keeps each keyed control's value as it is now, for the set-up saved at
+    // the end (process does this at the first frame; a run that applies the
+    // curves itself calls it first).
+    void keepUnkeyedValues();
+
     // SparkUnInitialise; writes the set-up to savePath when it is not empty.
     RunStatus finish(const std::string& savePath);
 

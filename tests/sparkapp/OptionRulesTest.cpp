@@ -39,8 +39,8 @@ std::string refusal(const std::vector<std::string>& words) {
 TEST(CommandLine, ValuesAndTheirRefusals) {
     RunOptions options;
     ASSERT_TRUE(check({"--depth=12", "--threads", "3", "--set", "Radial1=-0.08", "--set",
-                       "Blend=20", "--key", "Radial1@10=0.1", "--max-memory", "2G", "--depth",
-                       "8", "in.png", "--", "-out.png"},
+                       "Blend=20", "--key", "Radial1@10=0.1", "--max-memory", "2G", "--depth", "8",
+                       "in.png", "--", "-out.png"},
                       &options)
                     .ok());
     EXPECT_EQ(options.depth, 24);  // the last --depth counts
@@ -83,7 +83,8 @@ TEST(OptionRules, EachRuleWithItsMessage) {
               "set-up file name too long (at most 4095 bytes): " + longName);
     EXPECT_EQ(refusal({"--autofind", "--list-controls"}),
               "--lines, --autofind and --overlay work on an INPUT and OUTPUT");
-    EXPECT_EQ(refusal({"in.png", "out.##.##.png"}), "more than one frame number mark in out.##.##.png");
+    EXPECT_EQ(refusal({"in.png", "out.##.##.png"}),
+              "more than one frame number mark in out.##.##.png");
     EXPECT_EQ(refusal({"--frames", "5-2", "in.png", "out.#.png"}),
               "bad frame range \"5-2\": use A-B with 0 <= A <= B, or one frame");
     EXPECT_EQ(refusal({"--frames", "1-3", "in.png", "out.png"}),
@@ -94,6 +95,46 @@ TEST(OptionRules, EachRuleWithItsMessage) {
     EXPECT_EQ(refusal({"--float-encoding", "log", "in.exr", "out.####.png"}),
               "--float-encoding log needs a floating-point output (such as .exr): out.####.png "
               "would clip what it carries");
+}
+
+TEST(OptionRules, LensDataRules) {
+    EXPECT_EQ(refusal({"--stmap", "m.exr", "--size", "64x48"}), "<fine>");
+    EXPECT_EQ(refusal({"--stmap", "m.exr"}),
+              "--stmap needs the frame's size: --size WxH or one INPUT picture, not both");
+    EXPECT_EQ(refusal({"--stmap", "m.exr", "--size", "64x48", "in.png"}),
+              "--stmap needs the frame's size: --size WxH or one INPUT picture, not both");
+    EXPECT_EQ(refusal({"--stmap", "m.tif", "in.png"}),
+              "--stmap writes OpenEXR: m.tif must end in .exr");
+    EXPECT_EQ(refusal({"--stmap", "m.exr", "--frames", "1-2", "in.png"}),
+              "several frames need a sequence output name (with # or %04d)");
+    EXPECT_EQ(refusal({"--stmap", "m.exr", "shot.####.exr"}),
+              "several frames need a sequence output name (with # or %04d)");
+    EXPECT_EQ(refusal({"--overscan", "5", "in.png", "out.png"}), "--overscan applies to --stmap");
+    EXPECT_EQ(refusal({"--overscan", "-1"}),
+              "--overscan takes a percentage from 0 to 100, not \"-1\"");
+    EXPECT_EQ(refusal({"--from-opencv", "a.yaml", "--from-lensfun", "M", "C", "L", "50", "a", "b"}),
+              "give --from-opencv or --from-lensfun, not both");
+    EXPECT_EQ(refusal({"--correct-in", "remove", "a", "b"}),
+              "--correct-in applies to --from-opencv and --from-lensfun");
+    EXPECT_EQ(refusal({"--correct-in", "both"}), "--correct-in takes add or remove, not \"both\"");
+    EXPECT_EQ(refusal({"--from-opencv", "a.yaml", "--make-chart", "c.png"}),
+              "--from-opencv and --from-lensfun set the controls: use them with INPUT OUTPUT, "
+              "--save-setup, --list-controls, --stmap, --to-opencv or --to-lensfun");
+    EXPECT_EQ(refusal({"--from-lensfun", "M", "C", "L", "wide", "a", "b"}),
+              "--from-lensfun takes MAKER MODEL LENS FOCAL, the focal length in millimetres last");
+    EXPECT_EQ(refusal({"--from-lensfun", "M", "C", "L", "50", "--save-setup", "s.setup"}),
+              "--from-lensfun needs the frame's size: an INPUT picture or --size WxH");
+    EXPECT_EQ(refusal({"--from-lensfun", "M", "C"}), "--from-lensfun needs 4 values");
+    EXPECT_EQ(refusal({"--to-opencv", "c.yaml", "--to-lensfun", "l.xml", "--focal", "35", "--size",
+                       "64x48"}),
+              "<fine>");
+    EXPECT_EQ(refusal({"--to-opencv", "c.yaml", "--size", "64x48"}),
+              "--to-opencv and --to-lensfun need the lens's --focal MM (and --crop for a camera "
+              "smaller than 35 mm film)");
+    EXPECT_EQ(refusal({"--focal", "35", "a", "b"}),
+              "--focal and --crop apply to --to-opencv and --to-lensfun");
+    EXPECT_EQ(refusal({"--to-opencv", "c.yaml", "--stmap", "m.exr", "--size", "4x4"}),
+              "--stmap cannot be combined with another mode option");
 }
 
 TEST(OptionRules, TheOverlayOverwritesNoOtherOutput) {
