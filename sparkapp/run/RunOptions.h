@@ -46,15 +46,10 @@ struct RunOptions {
     FloatEncoding floatEncoding = FloatEncoding::Linear;
     bool verbose = false;
     bool quiet = false;
-<<<<<<< HEAD
     int progress = -1;        // --progress 1, --no-progress 0; -1: when stderr is a terminal
     bool sequential = false;  // --sequential: one frame after another, nothing ahead
-    int chartWidth = 0;       // 0: the default chart size
-    int chartHeight = 0;
-=======
     int sizeWidth = 0;  // --size: a frame without a picture (chart, ST-map, lens); 0: none
     int sizeHeight = 0;
->>>>>>> main
     double marginPercent = 10.0;
 
     // Lens data in and out.
