@@ -8,9 +8,9 @@
 //       unused bits at the bottom for A, at the top for B)
 //   12-bit filled, method A (one sample in the top 12 bits of a 16-bit word)
 //   16-bit
-// Samples come out as OpenImageIO's read_image gives them in 16 bits: the
-// value's bits repeated below it (10-bit v: v << 6 | v >> 4; 12-bit v:
-// v << 4 | v >> 8), 16-bit as stored.
+// Samples come out as OpenImageIO's read_image gives them in 16 bits: a
+// 10-bit value's bits repeated below it (v << 6 | v >> 4), 12-bit filled and
+// 16-bit words as stored (OpenImageIO keeps a 12-bit word's 4 low bits).
 //
 // Writing: 16-bit RGB, byte for byte what OpenImageIO's DPX writer writes
 // (its header, taken from it once per frame size, then the samples in the

@@ -108,14 +108,17 @@ void unpackTen(const unsigned char* from, size_t pixels, bool swapped, bool meth
     }
 }
 
-// 12-bit v (the top of a 16-bit word) -> v << 4 | v >> 8; 16-bit as stored.
-void unpackWords(const unsigned char* from, size_t samples, int bits, bool swapped, uint16_t* to) {
+// 12-bit filled and 16-bit samples: the words as stored (OpenImageIO gives
+// a 12-bit word whole, its 4 low bits included).
+void unpackWords(const unsigned char* from, size_t samples, bool swapped, uint16_t* to) {
+    if (!swapped) {
+        std::memcpy(to, from, samples * sizeof(uint16_t));
+        return;
+    }
     for (size_t i = 0; i < samples; ++i) {
         uint16_t word;
         std::memcpy(&word, from + 2 * i, sizeof word);
-        if (swapped) word = __builtin_bswap16(word);
-        if (bits == 12) word = static_cast<uint16_t>((word & 0xFFF0u) | word >> 12);
-        to[i] = word;
+        to[i] = __builtin_bswap16(word);
     }
 }
 
@@ -173,7 +176,7 @@ bool readDpxFast(const std::string& path, const DpxLayout& layout, uint16_t* sam
         if (layout.bits == 10)
             unpackTen(block.data(), rows * layout.width, layout.swapped, layout.methodB, to);
         else
-            unpackWords(block.data(), rows * rowSamples, layout.bits, layout.swapped, to);
+            unpackWords(block.data(), rows * rowSamples, layout.swapped, to);
     }
     return true;
 }

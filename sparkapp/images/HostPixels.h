@@ -48,6 +48,10 @@ float floatFromTwelve(int v);
 int eightFromFloat(float f);
 float floatFromEight(int v);
 
+// The storage of a host frame, word-aligned as the host's buffers are
+// (simhost::FrameBuffer): hostFrameBytes rounded up to whole words.
+using HostFrame = std::vector<unsigned long>;
+
 // Bytes of one frame at a host depth (24 or 48).
 size_t hostFrameBytes(int width, int height, int depth);
 

@@ -61,6 +61,7 @@ struct Answer {
     float pixelAspect;
     int32_t depth;
     uint64_t sampleBytes;
+    int32_t samplesFollow;  // the samples come after the message, not in the shared memory
     uint64_t idleResident;  // the reader's resident size when the request came
     char dateTime[kDateBytes];
 };
@@ -233,13 +234,19 @@ bool ReaderProcess::receive(RunStatus* status, PixelView* view, FilePixels* fact
     read.dateTime.assign(answer.dateTime, strnlen(answer.dateTime, kDateBytes));
     const size_t sampleSize = read.isFloat ? sizeof(float) : sizeof(uint16_t);
     std::string error;
-    if (read.width < 1 || read.height < 1 ||
-        answer.sampleBytes != read.sampleCount() * sampleSize ||
-        !samples_.follow(answer.sampleBytes, &error))
+    if (read.width < 1 || read.height < 1 || answer.sampleBytes != read.sampleCount() * sampleSize)
         return false;
+    const void* samples = samples_.data();
+    if (answer.samplesFollow) {
+        following_.resize(answer.sampleBytes / sizeof(float) + 1);
+        if (!readAll(socket_, following_.data(), answer.sampleBytes)) return false;
+        samples = following_.data();
+    } else if (!samples_.follow(answer.sampleBytes, &error)) {
+        return false;
+    }
     *view = PixelView{read.width, read.height, read.isFloat,
-                      read.isFloat ? nullptr : static_cast<const uint16_t*>(samples_.data()),
-                      read.isFloat ? static_cast<const float*>(samples_.data()) : nullptr};
+                      read.isFloat ? nullptr : static_cast<const uint16_t*>(samples),
+                      read.isFloat ? static_cast<const float*>(samples) : nullptr};
     *facts = std::move(read);
     *depth = answer.depth;
     *status = RunStatus::success();
@@ -296,11 +303,17 @@ bool answerRequest(const std::string& path, const ReadRequest& request, SharedSa
     int depth = 0;
     RunStatus status;
     size_t sampleBytes = 0;
-    const SamplePlace place = [&shared, &sampleBytes](size_t bytes) -> void* {
+    // A file-size limit (ulimit -f) holds for the shared memory too: past it
+    // the samples go through the socket, from memory kept for the next read.
+    static std::vector<float> following;
+    bool follow = false;
+    const SamplePlace place = [&](size_t bytes) -> void* {
         std::string error;
-        if (!shared.reserve(bytes, &error)) return nullptr;
         sampleBytes = bytes;
-        return shared.data();
+        if (shared.reserve(bytes, &error)) return shared.data();
+        follow = true;
+        following.resize(bytes / sizeof(float) + 1);
+        return following.data();
     };
     try {
         status = decodeImageInto(path, request, &picture, &depth, place);
@@ -323,9 +336,11 @@ bool answerRequest(const std::string& path, const ReadRequest& request, SharedSa
         answer.depth = depth;
         std::strncpy(answer.dateTime, picture.dateTime.c_str(), kDateBytes - 1);
         answer.sampleBytes = sampleBytes;
+        answer.samplesFollow = follow;
     }
     return sendAll(kAnswerFd, &answer, sizeof answer) &&
-           sendAll(kAnswerFd, status.message.data(), status.message.size());
+           sendAll(kAnswerFd, status.message.data(), status.message.size()) &&
+           (!status.ok() || !follow || sendAll(kAnswerFd, following.data(), sampleBytes));
 }
 }  // namespace
 

@@ -9,11 +9,11 @@
 // at a time, over a socket: a request (the file and the ReadRequest), an
 // answer (the status and the header facts). The samples themselves are
 // decoded straight into memory the two share (SharedSamples.h), so a frame
-// is never copied through the kernel. A reader that ends without a complete
-// answer is reported with how it ended ("the image library aborted while
-// reading ..."), as an input failure, and a new one is started for the next
-// read. The reader ends when its ReaderProcess is destroyed or the tool dies
-// (it is killed with its parent).
+// is never copied through the kernel (unless a file-size limit keeps that
+// memory from growing: then they follow the answer through the socket). A reader that ends without
+// a complete answer is reported with how it ended ("the image library aborted while reading ..."),
+// as an input failure, and a new one is started for the next read. The reader ends when its
+// ReaderProcess is destroyed or the tool dies (it is killed with its parent).
 //
 // Several ReaderProcess objects may read at once, each from its own thread
 // (the frame loop decodes frames ahead this way); one object serves one
@@ -24,6 +24,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "FilePixels.h"
 #include "ImageFiles.h"
@@ -64,6 +65,7 @@ class ReaderProcess {
     int socket_ = -1;
     uint64_t idleResident_ = 0;
     SharedSamples samples_;
+    std::vector<float> following_;  // samples sent through the socket (a file-size limit)
 };
 
 // The reader that readImage() uses.

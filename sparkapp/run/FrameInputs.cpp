@@ -3,10 +3,9 @@
 
 #include "HostPixels.h"
 
-FrameInputs::FrameInputs(const FrameSource& source, const SparkSession& session, int lanes,
-                         int slots)
+FrameInputs::FrameInputs(const FrameSource& source, size_t frameWords, int lanes, int slots)
     : source_(source), slots_(static_cast<size_t>(slots)) {
-    for (Slot& slot : slots_) slot.frame = session.newHostFrame();
+    for (Slot& slot : slots_) slot.frame.resize(frameWords);
     // A still input needs no reader: one lane fills its slots from the picture.
     const bool sequence = source.plan->input.isSequence();
     const int count = sequence ? lanes : 1;
@@ -87,7 +86,7 @@ RunStatus FrameInputs::fill(size_t index, ReaderProcess& reader, Slot& slot) {
     return RunStatus::success();
 }
 
-RunStatus FrameInputs::take(size_t index, SparkSession::HostFrame* frame, TakenFrame* taken) {
+RunStatus FrameInputs::take(size_t index, HostFrame* frame, TakenFrame* taken) {
     std::unique_lock<std::mutex> hold(lock_);
     Slot* ready = nullptr;
     changed_.wait(hold, [&] {

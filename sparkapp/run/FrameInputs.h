@@ -23,10 +23,10 @@
 #include "FilePixels.h"
 #include "FloatEncoding.h"
 #include "FramePlan.h"
+#include "HostPixels.h"
 #include "ImageFiles.h"
 #include "ReaderProcess.h"
 #include "RunStatus.h"
-#include "SparkSession.h"
 
 // A sequence's frames are all floating-point or all whole numbers, and
 // --float-encoding log takes floating-point frames only: a usage failure
@@ -51,21 +51,21 @@ struct TakenFrame {
 
 class FrameInputs {
   public:
-    FrameInputs(const FrameSource& source, const SparkSession& session, int lanes, int slots);
+    FrameInputs(const FrameSource& source, size_t frameWords, int lanes, int slots);
     ~FrameInputs();  // stops the lanes
     FrameInputs(const FrameInputs&) = delete;
     FrameInputs& operator=(const FrameInputs&) = delete;
 
     // Waits for frame `index` of the plan; its host frame is exchanged with
     // *frame (whose storage, free, goes back to the slot).
-    RunStatus take(size_t index, SparkSession::HostFrame* frame, TakenFrame* taken);
+    RunStatus take(size_t index, HostFrame* frame, TakenFrame* taken);
 
   private:
     enum class SlotState { Free, Filling, Ready };
     struct Slot {
         SlotState state = SlotState::Free;
         size_t index = 0;
-        SparkSession::HostFrame frame;
+        HostFrame frame;
         RunStatus status;
         TakenFrame taken;
     };

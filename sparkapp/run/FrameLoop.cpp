@@ -178,10 +178,11 @@ RunStatus renderPipelined(const RunOptions& options, const FramePlan& plan, Spar
     source.next = first.next;
     source.depth = first.depth;
     source.encoding = options.floatEncoding;
-    FrameInputs inputs(source, session, kReadLanes, kReadAhead);
-    FrameOutputs outputs(outputSettings(options, plan, session, watch), session, kWriters);
-    SparkSession::HostFrame input = session.newHostFrame();
-    SparkSession::HostFrame result = session.newHostFrame();
+    const size_t words = session.newHostFrame().size();
+    FrameInputs inputs(source, words, kReadLanes, kReadAhead);
+    FrameOutputs outputs(outputSettings(options, plan, session, watch), words, kWriters);
+    HostFrame input = session.newHostFrame();
+    HostFrame result = session.newHostFrame();
     const unsigned total = static_cast<unsigned>(plan.frames.size());
     RunStatus status;
     for (size_t i = 0; i < plan.frames.size() && !outputs.failed(); ++i) {

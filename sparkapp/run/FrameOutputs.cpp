@@ -7,9 +7,9 @@
 #include "ImageFiles.h"
 #include "ReaderProcess.h"
 
-FrameOutputs::FrameOutputs(const OutputSettings& settings, const SparkSession& session, int writers)
+FrameOutputs::FrameOutputs(const OutputSettings& settings, size_t frameWords, int writers)
     : settings_(settings), progress_(static_cast<int>(settings.total), settings.progress) {
-    for (int i = 0; i < writers; ++i) free_.push_back(session.newHostFrame());
+    for (int i = 0; i < writers; ++i) free_.emplace_back(frameWords);
     for (int i = 0; i < writers; ++i) writers_.emplace_back(&FrameOutputs::writer, this);
 }
 
@@ -17,7 +17,7 @@ FrameOutputs::~FrameOutputs() { finish(); }
 
 void FrameOutputs::submit(size_t index, unsigned frame, const std::string& path,
                           const std::string& dateTime, const std::string& animated,
-                          SparkSession::HostFrame* rendered) {
+                          HostFrame* rendered) {
     std::unique_lock<std::mutex> hold(lock_);
     Job job;
     job.index = index;

@@ -28,7 +28,6 @@
 #include "HostPixels.h"
 #include "ProgressBar.h"
 #include "RunStatus.h"
-#include "SparkSession.h"
 
 // One frame written, as the writers report it.
 struct FrameWritten {
@@ -52,7 +51,7 @@ struct OutputSettings {
 
 class FrameOutputs {
   public:
-    FrameOutputs(const OutputSettings& settings, const SparkSession& session, int writers);
+    FrameOutputs(const OutputSettings& settings, size_t frameWords, int writers);
     ~FrameOutputs();  // finishes
     FrameOutputs(const FrameOutputs&) = delete;
     FrameOutputs& operator=(const FrameOutputs&) = delete;
@@ -60,7 +59,7 @@ class FrameOutputs {
     // Hands frame `index` (rendered into *rendered) to the writers for path;
     // *rendered gets a free host frame back (waiting for one if need be).
     void submit(size_t index, unsigned frame, const std::string& path, const std::string& dateTime,
-                const std::string& animated, SparkSession::HostFrame* rendered);
+                const std::string& animated, HostFrame* rendered);
     // True once a frame failed: the loop stops handing in frames.
     bool failed();
     // Waits for every frame handed in; the failure of the lowest frame, if any.
@@ -73,7 +72,7 @@ class FrameOutputs {
         std::string path;
         std::string dateTime;
         std::string animated;
-        SparkSession::HostFrame pixels;
+        HostFrame pixels;
     };
 
     void writer();
@@ -83,7 +82,7 @@ class FrameOutputs {
 
     OutputSettings settings_;
     ProgressBar progress_;
-    std::vector<SparkSession::HostFrame> free_;
+    std::vector<HostFrame> free_;
     std::deque<Job> queue_;
     std::vector<std::thread> writers_;
     std::mutex lock_;

@@ -177,7 +177,7 @@ RunStatus SparkSession::runPlugin(unsigned frame, unsigned totalFrames, std::str
                                   std::to_string(frame));
 }
 
-SparkSession::HostFrame SparkSession::newHostFrame() const {
+HostFrame SparkSession::newHostFrame() const {
     simhost::FrameBuffer frame;
     frame.resize(width_, height_, depth_);
     return std::move(frame.storage);

@@ -35,6 +35,7 @@
 #include "ControlNames.h"
 #include "FilePixels.h"
 #include "FloatEncoding.h"
+#include "HostPixels.h"
 #include "RunStatus.h"
 
 class SparkSession {
@@ -60,7 +61,6 @@ class SparkSession {
     // For the pipelined frame loop, which fills host frames on other threads:
     // a host frame's storage at the session's size and depth (made once per
     // buffer, never per frame).
-    using HostFrame = std::vector<unsigned long>;
     HostFrame newHostFrame() const;
     // Runs one frame whose input is already in *input (a filled host frame):
     // it is exchanged with the host's input buffer (so *input then holds the
