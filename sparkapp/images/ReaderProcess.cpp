@@ -236,13 +236,14 @@ bool ReaderProcess::receive(RunStatus* status, PixelView* view, FilePixels* fact
     std::string error;
     if (read.width < 1 || read.height < 1 || answer.sampleBytes != read.sampleCount() * sampleSize)
         return false;
-    const void* samples = samples_.data();
+    const void* samples = nullptr;
     if (answer.samplesFollow) {
         following_.resize(answer.sampleBytes / sizeof(float) + 1);
         if (!readAll(socket_, following_.data(), answer.sampleBytes)) return false;
         samples = following_.data();
-    } else if (!samples_.follow(answer.sampleBytes, &error)) {
-        return false;
+    } else {
+        if (!samples_.follow(answer.sampleBytes, &error)) return false;
+        samples = samples_.data();
     }
     *view = PixelView{read.width, read.height, read.isFloat,
                       read.isFloat ? nullptr : static_cast<const uint16_t*>(samples),
