@@ -67,6 +67,8 @@ RunStatus parseAndRun(int argc, char** argv, time_t runStart) {
 
 int main(int argc, char** argv) {
     if (argc == 2 && std::string(argv[1]) == kReaderProcessArgument) return serveReaderRequests();
+    // Before any thread and any use of the image library: the reader as a fork.
+    startReaderEarly();
     const time_t runStart = time(nullptr);
     safeio::setTemporaryTag("sparkrun");
     installProcessSignals();

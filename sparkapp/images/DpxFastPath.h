@@ -19,6 +19,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "HostPixels.h"
@@ -47,9 +48,20 @@ bool dpxFastLayout(const std::string& path, DpxLayout* layout);
 bool readDpxFast(const std::string& path, const DpxLayout& layout, uint16_t* samples,
                  std::string* error);
 
-// Writes 16-bit RGB samples to file as OpenImageIO's DPX writer would, with
+// True when path is written as DPX (by its name, as OpenImageIO chooses).
+bool writesDpx(const std::string& path);
+
+// Gives file row `row` (top first) as width * 3 16-bit samples.
+using SixteenBitRows = std::function<void(int row, uint16_t* samples)>;
+
+// Writes 16-bit RGB rows to file as OpenImageIO's DPX writer would, with
 // storedName in the header's file name and dateTime ("YYYY:MM:DD HH:MM:SS"
-// or empty) as its creation time. False when the fast path does not apply
-// (nothing written then); write failures are the file's (OutputFile::failure).
+// or empty) as its creation time. The rows are asked for a block at a time
+// and written while the block is in the processor's cache. False when the
+// fast path does not apply (nothing written then); write failures are the
+// file's (OutputFile::failure).
+bool writeDpxFast(const std::string& storedName, int width, int height, const SixteenBitRows& rows,
+                  const std::string& dateTime, safeio::OutputFile& file);
+// The same from whole samples (SampleType::Sixteen; other types do not apply).
 bool writeDpxFast(const std::string& storedName, int width, int height, const RgbSamples& samples,
                   const std::string& dateTime, safeio::OutputFile& file);

@@ -24,6 +24,7 @@ const size_t kDataOffset = 808;
 const size_t kDateText = 19;  // "YYYY:MM:DD HH:MM:SS"
 const size_t kDateSpace = 10;
 const int kSixteen = 16;
+const size_t kBlockBytes = 256 << 10;  // kernel copies from the cache below about this
 
 // Keeps what a writer puts below `keep` bytes and forgets the rest.
 class HeaderCapture final : public OIIO::Filesystem::IOProxy {
@@ -91,10 +92,14 @@ int headerHeight = 0;
 std::vector<unsigned char> headerBytes;
 }  // namespace
 
-bool writeDpxFast(const std::string& storedName, int width, int height, const RgbSamples& samples,
+bool writesDpx(const std::string& path) {
+    auto out = OIIO::ImageOutput::create(path);
+    return out && std::strcmp(out->format_name(), "dpx") == 0;
+}
+
+bool writeDpxFast(const std::string& storedName, int width, int height, const SixteenBitRows& rows,
                   const std::string& dateTime, safeio::OutputFile& file) {
-    if (samples.type != SampleType::Sixteen || storedName.size() >= kNameBytes ||
-        (!dateTime.empty() && dateTime.size() != kDateText))
+    if (storedName.size() >= kNameBytes || (!dateTime.empty() && dateTime.size() != kDateText))
         return false;
     static thread_local std::vector<unsigned char> header;
     {
@@ -114,8 +119,33 @@ bool writeDpxFast(const std::string& storedName, int width, int height, const Rg
         date[kDateSpace] = ':';
         std::memcpy(header.data() + kDateField, date.data(), std::min(date.size(), kDateBytes));
     }
-    const size_t data = static_cast<size_t>(width) * static_cast<size_t>(height) * 3 * 2;
     file.writeAt(header.data(), header.size(), 0);
-    file.writeAt(samples.sixteens.data(), data, header.size());
+    // Blocks small enough to stay in the cache from the conversion to the write.
+    const size_t rowSamples = static_cast<size_t>(width) * 3;
+    const size_t rowsPerBlock = std::max<size_t>(1, kBlockBytes / (rowSamples * 2));
+    static thread_local std::vector<uint16_t> block;
+    block.resize(rowsPerBlock * rowSamples);
+    uint64_t offset = header.size();
+    for (int y = 0; y < height && file.failure().empty();) {
+        const int count = static_cast<int>(std::min<size_t>(rowsPerBlock, height - y));
+        for (int k = 0; k < count; ++k) rows(y + k, block.data() + k * rowSamples);
+        const size_t bytes = static_cast<size_t>(count) * rowSamples * 2;
+        file.writeAt(block.data(), bytes, offset);
+        offset += bytes;
+        y += count;
+    }
     return true;
+}
+
+bool writeDpxFast(const std::string& storedName, int width, int height, const RgbSamples& samples,
+                  const std::string& dateTime, safeio::OutputFile& file) {
+    if (samples.type != SampleType::Sixteen) return false;
+    const size_t rowSamples = static_cast<size_t>(width) * 3;
+    const uint16_t* from = samples.sixteens.data();
+    return writeDpxFast(
+        storedName, width, height,
+        [from, rowSamples](int row, uint16_t* to) {
+            std::memcpy(to, from + row * rowSamples, rowSamples * sizeof(uint16_t));
+        },
+        dateTime, file);
 }

@@ -207,6 +207,18 @@ void readHostFrame(const unsigned char* buffer, int width, int height, int depth
     }
 }
 
+void readHostRowSixteen(const unsigned char* buffer, int width, int height, int depth, int row,
+                        uint16_t* to) {
+    const size_t rowSamples = static_cast<size_t>(width) * kRgbChannels;
+    const size_t from = static_cast<size_t>(height - 1 - row) * rowSamples;
+    if (depth == kHostDepth12) {
+        hostRows().twelveToSixteen(hostWords(buffer) + from, rowSamples, to);
+        return;
+    }
+    for (size_t k = 0; k < rowSamples; ++k)
+        to[k] = static_cast<uint16_t>(sixteenFromEight(buffer[from + k]));
+}
+
 RgbSamples readHostFrame(const unsigned char* buffer, int width, int height, int depth,
                          SampleType type, FloatEncoding encoding) {
     RgbSamples result;

@@ -77,6 +77,10 @@ struct RgbSamples {
 // The host buffer's rows, top row (the buffer's last) first.
 RgbSamples readHostFrame(const unsigned char* buffer, int width, int height, int depth,
                          SampleType type, FloatEncoding encoding = FloatEncoding::Linear);
+// File row `row` (top first) of a host frame as 16-bit samples, as
+// readHostFrame gives them for SampleType::Sixteen.
+void readHostRowSixteen(const unsigned char* buffer, int width, int height, int depth, int row,
+                        uint16_t* to);
 // The same into *into, whose vectors keep their room from one frame to the next.
 void readHostFrame(const unsigned char* buffer, int width, int height, int depth, SampleType type,
                    FloatEncoding encoding, RgbSamples* into);

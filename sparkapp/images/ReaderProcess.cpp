@@ -146,6 +146,41 @@ ReaderProcess::~ReaderProcess() {
     }
 }
 
+bool ReaderProcess::forkNow() {
+    addSignalCleanup(stopReaderProcess);
+    std::string error;
+    if (pid_ > 0 || (slot_ < 0 && (slot_ = takeSlot()) < 0) ||
+        (samples_.descriptor() < 0 && !samples_.create(&error)))
+        return false;
+    int ends[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) return false;
+    const int theirSocket = fcntl(ends[1], F_DUPFD_CLOEXEC, kSpareFd);
+    const int theirShared = fcntl(samples_.descriptor(), F_DUPFD_CLOEXEC, kSpareFd);
+    close(ends[1]);
+    std::fflush(nullptr);
+    const pid_t pid = theirSocket >= 0 && theirShared >= 0 ? fork() : -1;
+    if (pid == 0) {
+        // The reader: its socket and shared memory at their fixed numbers, and
+        // nothing of the program's own exit (no atexit, no destructors).
+        if (dup2(theirSocket, kRequestFd) < 0 || dup2(theirSocket, kAnswerFd) < 0 ||
+            dup2(theirShared, kSharedFd) < 0 || dup2(STDERR_FILENO, STDOUT_FILENO) < 0)
+            _exit(1);
+        _exit(serveReaderRequests());
+    }
+    if (theirSocket >= 0) close(theirSocket);
+    if (theirShared >= 0) close(theirShared);
+    if (pid < 0) {
+        close(ends[0]);
+        return false;
+    }
+    pid_ = pid;
+    readerPids[slot_] = pid;
+    socket_ = ends[0];
+    return true;
+}
+
+void startReaderEarly() { defaultReader().forkNow(); }
+
 bool ReaderProcess::start(std::string* error) {
     // A stop or a crash of the program ends the readers too.
     addSignalCleanup(stopReaderProcess);
@@ -349,6 +384,8 @@ int serveReaderRequests() {
     // Ends with the tool, even when the tool is killed outright.
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() == 1) return 0;
+    // A file-size limit holds for the shared memory too: a refusal, not a death.
+    std::signal(SIGXFSZ, SIG_IGN);
     configureReaderLibrary();
     SharedSamples shared;
     shared.adopt(kSharedFd);

@@ -3,8 +3,9 @@
 // the tool, and the tool reports it.
 //
 // The reader is this same program started afresh (/proc/self/exe with the
-// internal first argument --reader-process): a new process, not a fork, so
-// that it inherits none of the image library's thread pools or locks. It is
+// internal first argument --reader-process), so that it inherits none of the
+// image library's thread pools or locks; the first one may instead be forked
+// at the program's start, before there are any (startReaderEarly). It is
 // started at its first read and serves every read of its ReaderProcess, one
 // at a time, over a socket: a request (the file and the ReadRequest), an
 // answer (the status and the header facts). The samples themselves are
@@ -54,6 +55,13 @@ class ReaderProcess {
     uint64_t peakMemory() const;
     uint64_t idleMemory() const { return idleResident_; }
 
+    // Starts the process now as a fork of this one: for a program's very
+    // start (startReaderEarly), while it has one thread and the image library
+    // has not been touched, so that the reader costs no second loading of
+    // the program's libraries. Later starts (after a reader died) run the
+    // program afresh.
+    bool forkNow();
+
   private:
     bool start(std::string* error);
     bool ask(const std::string& path, const ReadRequest& request);
@@ -70,6 +78,9 @@ class ReaderProcess {
 
 // The reader that readImage() uses.
 ReaderProcess& defaultReader();
+
+// Forks the default reader: call first thing in main, before any thread.
+void startReaderEarly();
 
 RunStatus readInReaderProcess(const std::string& path, const ReadRequest& request,
                               FilePixels* picture, int* depth);

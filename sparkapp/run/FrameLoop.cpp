@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "ControlAssignments.h"
+#include "DpxFastPath.h"
 #include "FrameInputs.h"
 #include "FrameMemory.h"
 #include "FramePlan.h"
@@ -150,7 +151,7 @@ RunStatus renderSequentially(const RunOptions& options, const FramePlan& plan,
     return status;
 }
 
-const int kReadLanes = 2;  // frames decoded at once
+const int kReadLanes = 1;  // reader processes: one decodes ahead fast enough
 const int kReadAhead = 2;  // frames decoded and waiting (N+1, N+2)
 const int kWriters = 2;    // frames encoded and written at once
 
@@ -161,7 +162,9 @@ OutputSettings outputSettings(const RunOptions& options, const FramePlan& plan,
     settings.height = session.height();
     settings.depth = session.depth();
     settings.encoding = options.floatEncoding;
-    settings.type = outputSampleType(plan.output.fileFor(plan.frames.front()), session.depth());
+    const std::string first = plan.output.fileFor(plan.frames.front());
+    settings.type = outputSampleType(first, session.depth());
+    settings.dpx = writesDpx(first);
     settings.total = plan.frames.size();
     settings.verbose = options.verbose;
     settings.progress = options.progress;

@@ -3,8 +3,10 @@
 
 #include <cstdio>
 
+#include "DpxFastPath.h"
 #include "FrameMemory.h"
 #include "ImageFiles.h"
+#include "OutputPaths.h"
 #include "ReaderProcess.h"
 
 FrameOutputs::FrameOutputs(const OutputSettings& settings, size_t frameWords, int writers)
@@ -75,30 +77,64 @@ void FrameOutputs::fail(size_t index, const RunStatus& status) {
     }
 }
 
-void FrameOutputs::write(Job& job, RgbSamples& samples) {
-    readHostFrame(reinterpret_cast<const unsigned char*>(job.pixels.data()), settings_.width,
-                  settings_.height, settings_.depth, settings_.type, settings_.encoding, &samples);
+// 16-bit DPX goes from the host frame to the file a block of rows at a
+// time (DpxFastPath.h): no frame of samples in between. False when it does
+// not apply.
+bool FrameOutputs::writeDpxRows(const Job& job, safeio::OutputFile& file, RunStatus* status) {
+    if (!settings_.dpx || settings_.type != SampleType::Sixteen) return false;
+    const auto* host = reinterpret_cast<const unsigned char*>(job.pixels.data());
+    const OutputSettings& out = settings_;
+    const bool fast = writeDpxFast(
+        baseOf(job.path), out.width, out.height,
+        [host, &out](int row, uint16_t* to) {
+            readHostRowSixteen(host, out.width, out.height, out.depth, row, to);
+        },
+        job.dateTime, file);
+    if (fast && !file.failure().empty())
+        *status = RunStatus::failure(ExitCode::Output,
+                                     "cannot write " + job.path + ": " + file.failure());
+    return fast;
+}
+
+// Encodes the frame into file (opened for it); the host frame goes back to
+// the free ones as soon as it is no longer read.
+RunStatus FrameOutputs::encode(Job& job, safeio::OutputFile& file, RgbSamples& samples) {
+    RunStatus status;
+    const bool fast = writeDpxRows(job, file, &status);
+    if (!fast)
+        readHostFrame(reinterpret_cast<const unsigned char*>(job.pixels.data()), settings_.width,
+                      settings_.height, settings_.depth, settings_.type, settings_.encoding,
+                      &samples);
     {
         std::lock_guard<std::mutex> hold(lock_);
         free_.push_back(std::move(job.pixels));
     }
     changed_.notify_all();
+    if (fast) return status;
+    return encodeImage(job.path, settings_.width, settings_.height, samples, job.dateTime, file, 1);
+}
+
+void FrameOutputs::write(Job& job, RgbSamples& samples) {
     safeio::OutputFile file;
     RunStatus status;
-    if (!failed()) {
-        std::string reason;
-        if (!file.open(job.path, &reason))
-            status =
-                RunStatus::failure(ExitCode::Output, "cannot write " + job.path + ": " + reason);
-        if (status.ok())
-            status = encodeImage(job.path, settings_.width, settings_.height, samples, job.dateTime,
-                                 file, 1);
+    std::string reason;
+    if (failed()) {
+        status = RunStatus::failure(ExitCode::Output, "an earlier frame failed");
+    } else if (!file.open(job.path, &reason)) {
+        status = RunStatus::failure(ExitCode::Output, "cannot write " + job.path + ": " + reason);
+    } else {
+        status = encode(job, file, samples);
         // To the disk now; only the rename waits for the frames before.
         if (status.ok() && !file.sync())
             status = RunStatus::failure(ExitCode::Output,
                                         "cannot write " + job.path + ": " + file.failure());
-        if (!status.ok()) fail(job.index, status);
     }
+    if (!job.pixels.empty()) {
+        std::lock_guard<std::mutex> hold(lock_);
+        free_.push_back(std::move(job.pixels));
+    }
+    changed_.notify_all();
+    if (!status.ok()) fail(job.index, status);
     commitInTurn(job, file, status);
 }
 

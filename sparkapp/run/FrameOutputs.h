@@ -43,6 +43,7 @@ struct OutputSettings {
     int depth = 0;
     FloatEncoding encoding = FloatEncoding::Linear;
     SampleType type = SampleType::Eight;  // of every output (they share one format)
+    bool dpx = false;                     // the outputs are DPX files
     size_t total = 0;                     // frames in the run
     bool verbose = false;
     int progress = -1;  // ProgressBar's shown
@@ -77,6 +78,8 @@ class FrameOutputs {
 
     void writer();
     void write(Job& job, RgbSamples& samples);
+    RunStatus encode(Job& job, safeio::OutputFile& file, RgbSamples& samples);
+    bool writeDpxRows(const Job& job, safeio::OutputFile& file, RunStatus* status);
     void commitInTurn(const Job& job, safeio::OutputFile& file, RunStatus status);
     void fail(size_t index, const RunStatus& status);
 
