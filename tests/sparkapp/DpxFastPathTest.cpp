@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "DpxFastPath.h"
+#include "HostPixelsRows.h"
 #include "ImageFiles.h"
 
 namespace fs = std::filesystem;
@@ -125,6 +126,9 @@ TEST_F(DpxFastPath, EveryAcceptedLayoutReadsAsOpenImageIOReadsIt) {
                 EXPECT_EQ(fastSamples(file), expected)
                     << file << " " << endian << " " << layout.first << " " << layout.second;
                 EXPECT_EQ(decodedSamples(file), expected) << file;
+                forcePlainHostRows(true);  // and without AVX2
+                EXPECT_EQ(fastSamples(file), expected) << file;
+                forcePlainHostRows(false);
                 if (layout.first != 16) continue;
                 // 16 bits with packing 0 (as many writers store it), and 12 bits
                 // filled (method A: the value above 4 low bits), which
