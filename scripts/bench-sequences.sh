@@ -39,7 +39,7 @@ for ((f = 1; f <= 24; ++f)); do
   # A gradient and noise of its own on every frame.
   oiiotool --pattern fill:topleft=0.1,0.2,0.3:topright=0.9,0.5,0.1:bottomleft=0.2,0.8,0.4:bottomright=0.6,0.3,0.9 \
     2048x1556 3 --pattern "noise:type=gaussian:mean=0:stddev=0.05:seed=$f" 2048x1556 3 --add \
-    -d uint10 -o "$name.dpx" -d half --compression zip -o "$name.exr"
+    --clamp:min=0:max=1 -d uint10 -o "$name.dpx" -d half --compression zip -o "$name.exr"
 done
 
 controls=(--quiet --no-progress --threads 2 --set Radial1=0.1 --set Radial2=0.02)

@@ -44,15 +44,29 @@ bool SharedSamples::reserve(size_t bytes, std::string* error) {
         return false;
     }
     const size_t have = static_cast<size_t>(status.st_size);
-    // fallocate, not only ftruncate: a memfd without room fails here, not with
-    // a SIGBUS in the middle of a decode.
-    if (have < bytes && (ftruncate(fd_, static_cast<off_t>(bytes)) != 0 ||
-                         posix_fallocate(fd_, 0, static_cast<off_t>(bytes)) != 0)) {
-        *error = std::string("no shared memory for the samples: ") + std::strerror(ENOMEM);
+    if (have >= bytes) return have == mapped_ || map(have, error);
+    const std::string refused = std::string("no shared memory for the samples: ");
+    if (ftruncate(fd_, static_cast<off_t>(bytes)) != 0) {
+        *error = refused + std::strerror(errno);
         return false;
     }
-    const size_t size = have < bytes ? bytes : have;
-    return size == mapped_ || map(size, error);
+    // Mapped before its pages are taken: a mapping refused (ulimit -v) takes none.
+    if (!map(bytes, error)) {
+        if (ftruncate(fd_, static_cast<off_t>(have)) != 0)
+            *error += "; " + std::string(std::strerror(errno));
+        return false;
+    }
+    // The pages taken now, so that no memory is a refusal here, not a SIGBUS
+    // in the middle of a decode.
+    const int failed = posix_fallocate(fd_, 0, static_cast<off_t>(bytes));
+    if (failed != 0) {
+        *error = refused + std::strerror(failed);
+        map(0, error);
+        if (ftruncate(fd_, static_cast<off_t>(have)) != 0)
+            *error += "; " + std::string(std::strerror(errno));
+        return false;
+    }
+    return true;
 }
 
 bool SharedSamples::follow(size_t bytes, std::string* error) {

@@ -1,6 +1,9 @@
 // Reading frames ahead of the plug-in.
 #include "FrameInputs.h"
 
+#include <new>
+#include <stdexcept>
+
 #include "HostPixels.h"
 
 FrameInputs::FrameInputs(const FrameSource& source, size_t frameWords, int lanes, int slots)
@@ -40,7 +43,7 @@ void FrameInputs::lane(ReaderProcess* reader) {
         free->state = SlotState::Filling;
         free->index = index;
         hold.unlock();
-        const RunStatus status = fill(index, *reader, *free);
+        const RunStatus status = guardedFill(index, *reader, *free);
         hold.lock();
         free->status = status;
         free->state = SlotState::Ready;
@@ -63,6 +66,19 @@ RunStatus checkFrameKind(FloatEncoding encoding, bool firstIsFloat, bool isFloat
                                       (isFloat ? "whole numbers" : "floating-point values") +
                                       ": the frames of a sequence must all be one or the other");
     return RunStatus::success();
+}
+
+// Nothing thrown may leave a lane's thread: it becomes the frame's failure.
+RunStatus FrameInputs::guardedFill(size_t index, ReaderProcess& reader, Slot& slot) {
+    const std::string name = source_.plan->input.fileFor(source_.plan->frames[index]);
+    try {
+        return fill(index, reader, slot);
+    } catch (const std::bad_alloc&) {
+        return RunStatus::failure(ExitCode::Memory, "out of memory while reading " + name);
+    } catch (const std::exception& error) {
+        return RunStatus::failure(ExitCode::Internal,
+                                  "internal error while reading " + name + ": " + error.what());
+    }
 }
 
 RunStatus FrameInputs::fill(size_t index, ReaderProcess& reader, Slot& slot) {

@@ -71,6 +71,7 @@ class FrameInputs {
     };
 
     void lane(ReaderProcess* reader);
+    RunStatus guardedFill(size_t index, ReaderProcess& reader, Slot& slot);
     RunStatus fill(size_t index, ReaderProcess& reader, Slot& slot);
 
     FrameSource source_;

@@ -2,6 +2,8 @@
 #include "FrameOutputs.h"
 
 #include <cstdio>
+#include <new>
+#include <stdexcept>
 
 #include "DpxFastPath.h"
 #include "FrameMemory.h"
@@ -114,6 +116,20 @@ RunStatus FrameOutputs::encode(Job& job, safeio::OutputFile& file, RgbSamples& s
     return encodeImage(job.path, settings_.width, settings_.height, samples, job.dateTime, file, 1);
 }
 
+// Nothing thrown may leave a writer's thread: it becomes the frame's failure.
+RunStatus FrameOutputs::guardedEncode(Job& job, safeio::OutputFile& file, RgbSamples& samples) {
+    try {
+        return encode(job, file, samples);
+    } catch (const std::bad_alloc&) {
+        file.discard();
+        return RunStatus::failure(ExitCode::Memory, "out of memory while writing " + job.path);
+    } catch (const std::exception& error) {
+        file.discard();
+        return RunStatus::failure(ExitCode::Internal,
+                                  "internal error while writing " + job.path + ": " + error.what());
+    }
+}
+
 void FrameOutputs::write(Job& job, RgbSamples& samples) {
     safeio::OutputFile file;
     RunStatus status;
@@ -123,7 +139,7 @@ void FrameOutputs::write(Job& job, RgbSamples& samples) {
     } else if (!file.open(job.path, &reason)) {
         status = RunStatus::failure(ExitCode::Output, "cannot write " + job.path + ": " + reason);
     } else {
-        status = encode(job, file, samples);
+        status = guardedEncode(job, file, samples);
         // To the disk now; only the rename waits for the frames before.
         if (status.ok() && !file.sync())
             status = RunStatus::failure(ExitCode::Output,

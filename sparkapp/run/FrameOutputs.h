@@ -78,6 +78,7 @@ class FrameOutputs {
 
     void writer();
     void write(Job& job, RgbSamples& samples);
+    RunStatus guardedEncode(Job& job, safeio::OutputFile& file, RgbSamples& samples);
     RunStatus encode(Job& job, safeio::OutputFile& file, RgbSamples& samples);
     bool writeDpxRows(const Job& job, safeio::OutputFile& file, RunStatus* status);
     void commitInTurn(const Job& job, safeio::OutputFile& file, RunStatus status);

@@ -48,7 +48,7 @@ struct RunOptions {
     bool quiet = false;
     int progress = -1;        // --progress 1, --no-progress 0; -1: when stderr is a terminal
     bool sequential = false;  // --sequential: one frame after another, nothing ahead
-    int sizeWidth = 0;  // --size: a frame without a picture (chart, ST-map, lens); 0: none
+    int sizeWidth = 0;        // --size: a frame without a picture (chart, ST-map, lens); 0: none
     int sizeHeight = 0;
     double marginPercent = 10.0;
 
