@@ -202,6 +202,7 @@ RunStatus renderPipelined(const RunOptions& options, const FramePlan& plan, Spar
         status = session.processFilled(frame, total, &input, &result, &animated);
         if (!status.ok()) break;
         outputs.submit(i, frame, plan.output.fileFor(frame), taken.dateTime, animated, &result);
+        outputs.report();
     }
     // The frames before a failure here are written; a failed write before it is the one to tell.
     const RunStatus written = outputs.finish();

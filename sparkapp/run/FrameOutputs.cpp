@@ -53,6 +53,7 @@ RunStatus FrameOutputs::finish() {
     changed_.notify_all();
     for (std::thread& writer : writers_) writer.join();
     finished_ = true;
+    report();
     progress_.finish();
     return failure_;
 }
@@ -170,15 +171,30 @@ void FrameOutputs::commitInTurn(const Job& job, safeio::OutputFile& file, RunSta
     }
     ++nextCommit_;
     if (written) {
+        Report report;
+        report.done = nextCommit_;
+        report.frame = job.frame;
         if (settings_.verbose)
-            std::printf(
-                "frame %u: %s%s%s  (peak memory: tool %s, reader %s; reader between frames %s)\n",
-                job.frame, job.path.c_str(), job.animated.empty() ? "" : "  ", job.animated.c_str(),
-                memoryText(peakMemory()).c_str(), memoryText(readerPeakMemory()).c_str(),
-                memoryText(readerIdleMemory()).c_str());
-        progress_.advance(static_cast<int>(nextCommit_), job.frame);
+            report.line = "frame " + std::to_string(job.frame) + ": " + job.path +
+                          (job.animated.empty() ? "" : "  ") + job.animated +
+                          "  (peak memory: tool " + memoryText(peakMemory()) + ", reader " +
+                          memoryText(readerPeakMemory()) + "; reader between frames " +
+                          memoryText(readerIdleMemory()) + ")";
+        reports_.push_back(std::move(report));
         if (settings_.written)
             settings_.written(FrameWritten{nextCommit_, settings_.total, job.frame, job.path});
     }
     changed_.notify_all();
+}
+
+void FrameOutputs::report() {
+    std::vector<Report> reports;
+    {
+        std::lock_guard<std::mutex> hold(lock_);
+        reports.swap(reports_);
+    }
+    for (const Report& report : reports) {
+        if (!report.line.empty()) std::printf("%s\n", report.line.c_str());
+        progress_.advance(static_cast<int>(report.done), report.frame);
+    }
 }

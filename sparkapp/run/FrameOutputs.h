@@ -10,8 +10,9 @@
 // reported. A fixed number of host frames circulates between the loop and
 // the writers (the loop waits for a free one), so memory stays flat.
 //
-// After each commit, in frame order: the --verbose line, the progress bar
-// and the watcher's call (FrameLoop.h), from the writer thread.
+// After each commit, in frame order: the watcher's call (FrameLoop.h), from
+// the writer thread, and the --verbose line and the progress bar, printed by
+// the loop's thread (report).
 #pragma once
 
 #include <OutputFile.h>
@@ -63,7 +64,12 @@ class FrameOutputs {
                 const std::string& animated, HostFrame* rendered);
     // True once a frame failed: the loop stops handing in frames.
     bool failed();
-    // Waits for every frame handed in; the failure of the lowest frame, if any.
+    // Prints what the writers have reported since (the --verbose lines, the
+    // progress bar): on the loop's thread, between the plug-in's calls,
+    // whose console redirection (PluginConsole) would swallow it otherwise.
+    void report();
+    // Waits for every frame handed in and reports them; the failure of the
+    // lowest frame, if any.
     RunStatus finish();
 
   private:
@@ -74,6 +80,12 @@ class FrameOutputs {
         std::string dateTime;
         std::string animated;
         HostFrame pixels;
+    };
+
+    struct Report {
+        size_t done = 0;
+        unsigned frame = 0;
+        std::string line;  // --verbose
     };
 
     void writer();
@@ -88,6 +100,7 @@ class FrameOutputs {
     ProgressBar progress_;
     std::vector<HostFrame> free_;
     std::deque<Job> queue_;
+    std::vector<Report> reports_;
     std::vector<std::thread> writers_;
     std::mutex lock_;
     std::condition_variable changed_;
