@@ -29,6 +29,7 @@ const int kCreateAttempts = 100;
 const int kSlots = 16;  // temporaries open at once; a program has one or two
 const size_t kMaxTagBytes = 32;
 const size_t kSlotBytes = 4096;
+const long kMaxSpins = 100000000;  // a fraction of a second
 const unsigned kFnvOffset = 2166136261u;
 const unsigned kFnvPrime = 16777619u;
 const char kLetters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
@@ -40,8 +41,11 @@ const char kLetters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
 char slotPaths[kSlots][kSlotBytes];
 std::atomic<int> slotUsed[kSlots];
 std::mutex slotLock;
-// Set by removeOpenTemporaries before it walks the slots: a temporary
-// created while it runs (on another thread) is removed by its own creator.
+// A temporary being created on some thread (counted while it is), and the
+// signal cleanup's mark: once set, no temporary is created any more (the
+// process is ending), and the cleanup waits for the creations under way to
+// be registered before it walks the slots, so that none escapes it.
+std::atomic<int> creating{0};
 std::atomic<int> removing{0};
 static_assert(std::atomic<int>::is_always_lock_free, "read by a signal handler");
 
@@ -201,22 +205,20 @@ bool OutputFile::open(const std::string& target, std::string* error) {
             return false;
         }
         SignalHold hold;
-        // Registered before it exists: a stop handled on another thread while
-        // it is created removes it all the same.
-        const int slot = registerSlot(name);
-        if (slot < 0) {
-            *error = "too many files open for writing at once";
+        ++creating;
+        if (removing) {
+            --creating;
+            *error = "the program is stopping";
             return false;
         }
-        const int fd =
-            ::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+        const int slot = registerSlot(name);
+        const int fd = slot < 0 ? -1
+                                : ::open(name.c_str(),
+                                         O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
         const int openError = errno;
-        if (fd >= 0 && removing) {
-            // The process is being stopped and the handler may have passed this slot.
-            ::close(fd);
-            unlink(name.c_str());
-            releaseSlot(slot);
-            *error = "stopped";
+        --creating;
+        if (slot < 0) {
+            *error = "too many files open for writing at once";
             return false;
         }
         if (fd < 0) {
@@ -362,6 +364,11 @@ int removeStaleTemporaries(const std::string& folder, time_t before) {
 
 void removeOpenTemporaries() {
     removing = 1;
+    // The creations under way on other threads finish registering (the stop
+    // signals are held off on theirs; a crash inside one is waited for a
+    // moment only).
+    for (long spins = 0; creating > 0 && spins < kMaxSpins; ++spins) {
+    }
     for (int i = 0; i < kSlots; ++i)
         if (slotUsed[i]) unlink(slotPaths[i]);
 }

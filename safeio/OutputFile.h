@@ -19,8 +19,9 @@
 // remove it (removeOpenTemporaries is async-signal-safe); SIGINT, SIGTERM and
 // SIGHUP are held off while a temporary is created or renamed, so the
 // registration always matches the disk. Files may be written on several
-// threads at once (one OutputFile each); a temporary is registered before it
-// is created, so a stop handled on another thread removes it too.
+// threads at once (one OutputFile each): the cleanup, on whichever thread the
+// signal lands, waits for the creations under way to register and refuses
+// new ones, so it removes every temporary there is.
 #pragma once
 
 #include <sys/types.h>
