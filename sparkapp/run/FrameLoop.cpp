@@ -128,12 +128,16 @@ RunStatus renderFrame(const RunOptions& options, const FramePlan& plan, unsigned
 
 // The plain loop: read, process, write, then the next frame.
 RunStatus renderSequentially(const RunOptions& options, const FramePlan& plan,
-                             SparkSession& session, FirstFrame& first) {
+                             SparkSession& session, FirstFrame& first, FrameLoopWatch* watch) {
     RunStatus status;
     ProgressBar progress(static_cast<int>(plan.frames.size()), options.progress);
     const bool firstIsFloat = first.picture.isFloat;
     for (size_t i = 0; status.ok() && i < plan.frames.size(); ++i) {
         const unsigned frame = plan.frames[i];
+        if (watch && watch->stopAsked && watch->stopAsked()) {
+            watch->stopped = true;
+            break;
+        }
         // A still input is read once and stands for every frame.
         if (i > 0 && plan.input.isSequence()) {
             int frameDepth = 0;
@@ -146,6 +150,9 @@ RunStatus renderSequentially(const RunOptions& options, const FramePlan& plan,
         }
         status = renderFrame(options, plan, frame, session, first.picture, first.depth);
         if (status.ok()) progress.advance(static_cast<int>(i + 1), frame);
+        if (status.ok() && watch && watch->written)
+            watch->written(
+                FrameWritten{i + 1, plan.frames.size(), frame, plan.output.fileFor(frame)});
     }
     progress.finish();
     return status;
@@ -221,7 +228,7 @@ RunStatus runFrames(const RunOptions& options, const std::string& pluginPath,
     SparkSession session(options.quiet, options.processors);
     status = startSession(options, pluginPath, plan, first, session);
     if (status.ok())
-        status = options.sequential ? renderSequentially(options, plan, session, first)
+        status = options.sequential ? renderSequentially(options, plan, session, first, watch)
                                     : renderPipelined(options, plan, session, first, watch);
     const RunStatus finished = session.finish(status.ok() ? options.saveSetupPath : "");
     return status.ok() ? finished : status;

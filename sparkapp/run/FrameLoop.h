@@ -29,7 +29,8 @@
 
 // What a caller (a viewer) may follow of a run and ask of it.
 struct FrameLoopWatch {
-    // After each frame is written, in frame order, from a writer thread.
+    // After each frame is written, in frame order (from a writer thread,
+    // except with --sequential); it must not throw.
     std::function<void(const FrameWritten&)> written;
     // Asked before each frame is processed; true stops the run there: the
     // frames already processed are written, and runFrames returns success

@@ -88,7 +88,8 @@ utilities:
                          find the test chart's outer grid lines in IMAGE (as
                          distorted or not) and write them as a lines file
 
-exit codes: 0 done; 2 usage (bad option, control name or value; a lines file
+exit codes: 0 done; 2 usage (bad option, control name or value; a sequence
+mixing floating-point and whole-number frames; a lines file
 that is not valid JSON or has the wrong shape, a line of fewer than two
 points, a point outside the frame; AutoFind without lines, or with no line of
 three points or more); 3 input (missing, unreadable, damaged or cut-off image,
