@@ -11,13 +11,6 @@ void AngleControlZel::Sync() {
     if (field_.value != nullptr) value = *field_.value;
 }
 
-void AngleControlZel::Disable(bool disabled) { disableFloatField(disabled, field_, saved_); }
-
-void AngleControlZel::Hide(bool hidden) {
-    hidden_ = hidden;
-    showField(number_, hidden);
-}
-
 void AngleControlZel::SetValue(double /*time*/, double degrees) {
     if (field_.value == nullptr) return;
     *field_.value = static_cast<float>(degrees);

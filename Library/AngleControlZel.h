@@ -10,8 +10,6 @@ class AngleControlZel : public ControlZel {
     AngleControlZel() = default;
 
     void Sync() override;
-    void Disable(bool disabled) override;
-    void Hide(bool hidden) override;
     void ResetKeyframes() override {}   // the host owns the keys
     void EnableKeyframes() override {}  // the host owns the keys
 
@@ -25,6 +23,8 @@ class AngleControlZel : public ControlZel {
     double value = 0.0;  // degrees, as of the last Sync
 
   private:
+    void greyOut(bool disabled) override { greyFloatField(disabled, field_, saved_); }
+
     ZelFloatField field_;
     ZelAuxFloatRange* saved_ = nullptr;
 };

@@ -8,8 +8,9 @@ class ButtonControlZel : public ControlZel {
   public:
     ButtonControlZel() = default;
 
-    void Disable(bool disabled) override;
-    void Hide(bool hidden) override;
-
     void bind(int number) { bindNumber(number); }
+
+  private:
+    // A button cannot be greyed out; the field is only refreshed.
+    void greyOut(bool) override { updateField(number_); }
 };

@@ -10,21 +10,10 @@ void CheckboxControlZel::Sync() {
     if (valueByte_ != nullptr) value = *valueByte_ != 0;
 }
 
-// A check box cannot be greyed out; the field is only refreshed. The host byte
-// is saved on every call, even when the state does not change.
+// The host byte is saved on every call, even when the state does not change.
 void CheckboxControlZel::Disable(bool disabled) {
     if (valueByte_ != nullptr) savedByDisable_ = *valueByte_;
-    if (disabled_ == disabled) {
-        disabled_ = disabled;
-        return;
-    }
-    updateField(number_);
-    disabled_ = disabled;
-}
-
-void CheckboxControlZel::Hide(bool hidden) {
-    hidden_ = hidden;
-    showField(number_, hidden);
+    ControlZel::Disable(disabled);
 }
 
 void CheckboxControlZel::SetValue(double /*time*/, long newValue) {

@@ -13,7 +13,6 @@ class CheckboxControlZel : public ControlZel {
 
     void Sync() override;
     void Disable(bool disabled) override;
-    void Hide(bool hidden) override;
 
     // Binds to the record's value byte; group may be null.
     void bind(int number, char* valueByte, ZelExclusionGroup* group = nullptr);
@@ -29,6 +28,9 @@ class CheckboxControlZel : public ControlZel {
     bool value = false;  // as of the last Sync
 
   private:
+    // A check box cannot be greyed out; the field is only refreshed.
+    void greyOut(bool) override { updateField(number_); }
+
     char* valueByte_ = nullptr;
     ZelExclusionGroup* group_ = nullptr;
     int32_t savedByDisable_ = 0;

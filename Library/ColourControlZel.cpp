@@ -36,20 +36,14 @@ void ColourControlZel::Sync() {
     alpha = kZelFull15;
 }
 
-void ColourControlZel::Disable(bool disabled) {
-    if (disabled_ == disabled) {
-        disabled_ = disabled;
-        return;
-    }
-    if (hasChannelFields()) {
-        for (int i = 1; i <= kChannelCount; ++i) updateField(number_ + i);
-        updateField(number_);
-    }
-    disabled_ = disabled;
+// Only the channel fields can be greyed out; without them nothing is updated.
+void ColourControlZel::greyOut(bool) {
+    if (!hasChannelFields()) return;
+    for (int i = 1; i <= kChannelCount; ++i) updateField(number_ + i);
+    updateField(number_);
 }
 
-void ColourControlZel::Hide(bool hidden) {
-    hidden_ = hidden;
+void ColourControlZel::showFields(bool hidden) {
     showField(number_, hidden);
     if (!hasChannelFields()) return;
     for (int i = 1; i < kChannelCount; ++i) showField(number_ + i, hidden);

@@ -12,8 +12,6 @@ class ColourControlZel : public ControlZel {
     ColourControlZel() = default;
 
     void Sync() override;
-    void Disable(bool disabled) override;
-    void Hide(bool hidden) override;
     void ResetKeyframes() override {}   // the host owns the keys
     void EnableKeyframes() override {}  // the host owns the keys
 
@@ -36,6 +34,9 @@ class ColourControlZel : public ControlZel {
     unsigned short alpha = 0;
 
   private:
+    void greyOut(bool disabled) override;
+    void showFields(bool hidden) override;
+
     unsigned long* word_ = nullptr;
     float* channelFields_[3] = {nullptr, nullptr, nullptr};  // red, green, blue
 };

@@ -10,9 +10,16 @@ void ControlZel::bindNumber(int number) {
     continueToDefault = 1;
 }
 
-void ControlZel::Disable(bool disabled) { disabled_ = disabled; }
+void ControlZel::Disable(bool disabled) {
+    if (disabled_ == disabled) return;
+    greyOut(disabled);
+    disabled_ = disabled;
+}
 
-void ControlZel::Hide(bool hidden) { hidden_ = hidden; }
+void ControlZel::Hide(bool hidden) {
+    hidden_ = hidden;
+    showFields(hidden);
+}
 
 float ControlZel::curveValue(int number, double time) { return zelCurveValue(number, time); }
 
@@ -28,12 +35,8 @@ void ControlZel::saveRange(const ZelFloatField& field, ZelAuxFloatRange* saved) 
 
 // A numeric field is greyed out by collapsing its range onto its value, so the
 // user cannot drag it; enabling brings back the range saved at binding.
-void ControlZel::disableFloatField(bool disabled, const ZelFloatField& field,
-                                   const ZelAuxFloatRange* saved) {
-    if (disabled_ == disabled) {
-        disabled_ = disabled;
-        return;
-    }
+void ControlZel::greyFloatField(bool disabled, const ZelFloatField& field,
+                                const ZelAuxFloatRange* saved) {
     if (field.value != nullptr && field.min != nullptr && field.max != nullptr) {
         if (disabled) {
             *field.min = *field.value;
@@ -44,7 +47,6 @@ void ControlZel::disableFloatField(bool disabled, const ZelFloatField& field,
         }
     }
     updateField(number_);
-    disabled_ = disabled;
 }
 
 void ControlZel::copyText(const ZelTextField& destination, const char* source) {

@@ -22,7 +22,11 @@ class ControlZel {
     ControlZel& operator=(const ControlZel&) = delete;
 
     virtual void Sync() {}
+    // Greys the field(s) out or back in. When the state does not change
+    // nothing happens (no host call); otherwise the kind greys its fields
+    // (greyOut) and then the flag is stored.
     virtual void Disable(bool disabled);
+    // Stores the flag, always, then shows or hides the kind's fields.
     virtual void Hide(bool hidden);
     virtual void ResetKeyframes() {}
     virtual void EnableKeyframes() {}
@@ -51,10 +55,16 @@ class ControlZel {
     static void updateField(int number);
     static void showField(int number, bool hidden);
 
+    // What greying out does to the kind's fields, host updates included;
+    // called by Disable on a change only. The base has nothing to grey.
+    virtual void greyOut(bool disabled) { (void)disabled; }
+    // Shows or hides the kind's fields on the host: by default the control's
+    // own field; kinds with more fields override it.
+    virtual void showFields(bool hidden) { showField(number_, hidden); }
+
     // Greys a float field out by collapsing its range onto its value, and
-    // brings back the saved range (Float, Angle, Size).
-    void disableFloatField(bool disabled, const ZelFloatField& field,
-                           const ZelAuxFloatRange* saved);
+    // brings back the saved range (Float, Angle, Size); updates the field.
+    void greyFloatField(bool disabled, const ZelFloatField& field, const ZelAuxFloatRange* saved);
     static void saveRange(const ZelFloatField& field, ZelAuxFloatRange* saved);
 
     // Text copy into a host text buffer (Text, File), cut to the buffer's size.

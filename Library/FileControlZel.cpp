@@ -13,17 +13,7 @@ void FileControlZel::Sync() {
         copyText(ZelTextField{value, field_.capacity}, field_.text);
 }
 
-void FileControlZel::Disable(bool disabled) {
-    if (disabled_ == disabled) {
-        disabled_ = disabled;
-        return;
-    }
-    updateField(number_);
-    disabled_ = disabled;
-}
-
-void FileControlZel::Hide(bool hidden) {
-    hidden_ = hidden;
+void FileControlZel::showFields(bool hidden) {
     showField(number_, hidden);
     showField(number_ + kZelFileTextFieldOffset, hidden);
 }

@@ -14,8 +14,6 @@ class FileControlZel : public ControlZel {
     FileControlZel() = default;
 
     void Sync() override;
-    void Disable(bool disabled) override;
-    void Hide(bool hidden) override;
 
     // number is the button's; field is the text field at number + 7.
     void bind(int number, ZelTextField field);
@@ -28,5 +26,9 @@ class FileControlZel : public ControlZel {
     char* value = nullptr;
 
   private:
+    // The button is refreshed; the text field keeps its state.
+    void greyOut(bool) override { updateField(number_); }
+    void showFields(bool hidden) override;
+
     ZelTextField field_;
 };

@@ -11,11 +11,9 @@ void FloatControlZel::Sync() {
     if (field_.value != nullptr) value = *field_.value;
 }
 
-void FloatControlZel::Disable(bool disabled) { disableFloatField(disabled, field_, saved_); }
-
 // Unlike the other kinds, the host is told before the flag is stored.
 void FloatControlZel::Hide(bool hidden) {
-    showField(number_, hidden);
+    showFields(hidden);
     hidden_ = hidden;
 }
 

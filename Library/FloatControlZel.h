@@ -10,7 +10,6 @@ class FloatControlZel : public ControlZel {
     FloatControlZel() = default;
 
     void Sync() override;
-    void Disable(bool disabled) override;
     void Hide(bool hidden) override;
     void ResetKeyframes() override {}   // the host owns the keys
     void EnableKeyframes() override {}  // the host owns the keys
@@ -27,6 +26,8 @@ class FloatControlZel : public ControlZel {
     double value = 0.0;  // as of the last Sync
 
   private:
+    void greyOut(bool disabled) override { greyFloatField(disabled, field_, saved_); }
+
     ZelFloatField field_;
     ZelAuxFloatRange* saved_ = nullptr;
 };

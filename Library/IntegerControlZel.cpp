@@ -16,11 +16,7 @@ void IntegerControlZel::Sync() {
 
 // Greyed out by collapsing the range onto the value; enabling restores the
 // range saved at binding.
-void IntegerControlZel::Disable(bool disabled) {
-    if (disabled_ == disabled) {
-        disabled_ = disabled;
-        return;
-    }
+void IntegerControlZel::greyOut(bool disabled) {
     if (field_.value != nullptr && field_.min != nullptr && field_.max != nullptr) {
         if (disabled) {
             *field_.min = *field_.value;
@@ -31,12 +27,6 @@ void IntegerControlZel::Disable(bool disabled) {
         }
     }
     updateField(number_);
-    disabled_ = disabled;
-}
-
-void IntegerControlZel::Hide(bool hidden) {
-    hidden_ = hidden;
-    showField(number_, hidden);
 }
 
 void IntegerControlZel::SetValue(double /*time*/, long newValue) {

@@ -12,8 +12,6 @@ class IntegerControlZel : public ControlZel {
     IntegerControlZel() = default;
 
     void Sync() override;
-    void Disable(bool disabled) override;
-    void Hide(bool hidden) override;
     void ResetKeyframes() override {}   // the host owns the keys
     void EnableKeyframes() override {}  // the host owns the keys
 
@@ -28,6 +26,8 @@ class IntegerControlZel : public ControlZel {
     int32_t value = 0;  // as of the last Sync
 
   private:
+    void greyOut(bool disabled) override;
+
     ZelIntField field_;
     ZelAuxFloatRange* saved_ = nullptr;
 };

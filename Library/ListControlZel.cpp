@@ -17,11 +17,7 @@ void ListControlZel::Sync() {
 
 // Greyed out by shrinking the menu to its first entry; enabling restores the
 // entry count saved at binding.
-void ListControlZel::Disable(bool disabled) {
-    if (disabled_ == disabled) {
-        disabled_ = disabled;
-        return;
-    }
+void ListControlZel::greyOut(bool disabled) {
     if (field_.entryCount != nullptr) {
         if (disabled) {
             *field_.entryCount = 1;
@@ -30,12 +26,6 @@ void ListControlZel::Disable(bool disabled) {
         }
     }
     updateField(number_);
-    disabled_ = disabled;
-}
-
-void ListControlZel::Hide(bool hidden) {
-    hidden_ = hidden;
-    showField(number_, hidden);
 }
 
 void ListControlZel::SetValue(double /*time*/, long item) {

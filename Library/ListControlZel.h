@@ -12,8 +12,6 @@ class ListControlZel : public ControlZel {
     ListControlZel() = default;
 
     void Sync() override;
-    void Disable(bool disabled) override;
-    void Hide(bool hidden) override;
 
     // Binds and saves the menu's current entry count into saved.
     void bind(int number, ZelListField field, ZelAuxList* saved);
@@ -27,6 +25,8 @@ class ListControlZel : public ControlZel {
     int32_t value = 1;  // 1-based item, as of the last Sync
 
   private:
+    void greyOut(bool disabled) override;
+
     ZelListField field_;
     ZelAuxList* saved_ = nullptr;
 };

@@ -40,11 +40,7 @@ void PositionControlZel::bind(int number, ZelFloatField xField, ZelFloatField yF
 
 // Greyed out by collapsing both ranges onto their values; enabling restores
 // the ranges saved at binding.
-void PositionControlZel::Disable(bool disabled) {
-    if (disabled_ == disabled) {
-        disabled_ = disabled;
-        return;
-    }
+void PositionControlZel::greyOut(bool disabled) {
     if (disabled) {
         collapseRange(xField_);
         collapseRange(yField_);
@@ -54,11 +50,9 @@ void PositionControlZel::Disable(bool disabled) {
     }
     updateField(number_);
     updateField(number_ + kYOffset);
-    disabled_ = disabled;
 }
 
-void PositionControlZel::Hide(bool hidden) {
-    hidden_ = hidden;
+void PositionControlZel::showFields(bool hidden) {
     showField(number_, hidden);
     showField(number_ + kYOffset, hidden);
 }

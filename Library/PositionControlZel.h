@@ -12,8 +12,6 @@ class PositionControlZel : public ControlZel {
     PositionControlZel() = default;
 
     void Sync() override {}
-    void Disable(bool disabled) override;
-    void Hide(bool hidden) override;
     void ResetKeyframes() override {}   // the host owns the keys
     void EnableKeyframes() override {}  // the host owns the keys
 
@@ -32,6 +30,9 @@ class PositionControlZel : public ControlZel {
     double y = 0.0;  // fraction of the frame height
 
   private:
+    void greyOut(bool disabled) override;
+    void showFields(bool hidden) override;
+
     ZelFloatField xField_;
     ZelFloatField yField_;
     ZelAuxPositionRange* saved_ = nullptr;

@@ -15,13 +15,6 @@ void SizeControlZel::Sync() {
     if (field_.value != nullptr) value = *field_.value / kPercent;
 }
 
-void SizeControlZel::Disable(bool disabled) { disableFloatField(disabled, field_, saved_); }
-
-void SizeControlZel::Hide(bool hidden) {
-    hidden_ = hidden;
-    showField(number_, hidden);
-}
-
 void SizeControlZel::SetValue(double /*time*/, double fraction) {
     if (field_.value == nullptr) return;
     *field_.value = static_cast<float>(fraction * kPercent);

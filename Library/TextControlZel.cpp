@@ -11,11 +11,6 @@ void TextControlZel::Sync() {
         copyText(ZelTextField{value, field_.capacity}, field_.text);
 }
 
-void TextControlZel::Hide(bool hidden) {
-    hidden_ = hidden;
-    showField(number_, hidden);
-}
-
 void TextControlZel::SetValue(double /*time*/, char* text) {
     if (field_.text == nullptr) return;
     if (text != field_.text) copyText(field_, text);

@@ -10,8 +10,7 @@ class TextControlZel : public ControlZel {
     TextControlZel() = default;
 
     void Sync() override;
-    void Disable(bool disabled) override { disabled_ = disabled; }  // nothing to grey out
-    void Hide(bool hidden) override;
+    // Disable only stores the flag: there is nothing to grey out.
 
     void bind(int number, ZelTextField field);
 

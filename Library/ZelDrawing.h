@@ -23,15 +23,3 @@ inline void zelDrawVertex(float x, float y) {
 inline void zelDrawColour(float r, float g, float b) {
     if (zelHost().drawing.colour) zelHost().drawing.colour(r, g, b);
 }
-inline void zelDrawLoadIdentity() {
-    if (zelHost().drawing.loadIdentity) zelHost().drawing.loadIdentity();
-}
-inline void zelDrawTranslate(float x, float y, float z) {
-    if (zelHost().drawing.translate) zelHost().drawing.translate(x, y, z);
-}
-inline void zelDrawScale(float x, float y, float z) {
-    if (zelHost().drawing.scale) zelHost().drawing.scale(x, y, z);
-}
-inline void zelDrawFlush() {
-    if (zelHost().drawing.flush) zelHost().drawing.flush();
-}

@@ -14,16 +14,32 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <vector>
 
 namespace {
 
 simhost::Plugin* plugin = nullptr;
 
-const char* const kFloats[] = {"SparkFloat6",  "SparkFloat7",  "SparkFloat8",
-                               "SparkFloat9",  "SparkFloat13", "SparkFloat14",
-                               "SparkFloat16", "SparkFloat18", "SparkFloat27"};
-const char* const kMenus[] = {"SparkPup17", "SparkPup20", "SparkPup23", "SparkPup24", "SparkPup33"};
-const char* const kBooleans[] = {"SparkBoolean28", "SparkBoolean34"};
+// The plug-in's records, kind and symbol, in the order of its control list.
+struct Record {
+    const char* kind;
+    const char* symbol;
+};
+const Record kRecords[] = {
+#define STRAIGHTLUX_RECORD(Name, Kind, N, callback) {#Kind, "Spark" #Kind #N},
+#include "../lens/StraightluxControls.def"
+};
+
+std::vector<const char*> recordsOfKind(const char* kind) {
+    std::vector<const char*> symbols;
+    for (const Record& record : kRecords)
+        if (std::strcmp(record.kind, kind) == 0) symbols.push_back(record.symbol);
+    return symbols;
+}
+
+const std::vector<const char*> kFloats = recordsOfKind("Float");
+const std::vector<const char*> kMenus = recordsOfKind("Pup");
+const std::vector<const char*> kBooleans = recordsOfKind("Boolean");
 constexpr int kPointerEvents = 4;
 
 // Reads the next bytes of the input, zeros past its end.

@@ -7,11 +7,8 @@
 
 namespace {
 
-// The host shows the centre in percent of the frame; the control holds a fraction.
+// The host shows a position in percent of the frame; the control holds a fraction.
 constexpr double kPercent = 100.0;
-static_assert(kCentreXControl.unit == ControlUnit::kPercent &&
-                  kCentreYControl.unit == ControlUnit::kPercent,
-              "the centre is copied as a fraction");
 
 ZelFloatField fieldOf(SparkFloatStruct& record) {
     return ZelFloatField{&record.Value, &record.Min, &record.Max};
@@ -32,36 +29,25 @@ long itemOf(const SparkPupStruct& record, const ControlDescriptor& control) {
 
 }  // namespace
 
-ZelAuxFloatRange AuxZelFloat6;
-ZelAuxFloatRange AuxZelFloat7;
-ZelAuxFloatRange AuxZelFloat8;
-ZelAuxFloatRange AuxZelFloat9;
-ZelAuxPositionRange AuxZelPosition13;
-ZelAuxFloatRange AuxZelFloat16;
-ZelAuxList AuxZelList17;
-ZelAuxFloatRange AuxZelFloat18;
-ZelAuxList AuxZelList20;
-ZelAuxList AuxZelList23;
-ZelAuxList AuxZelList24;
+#define STRAIGHTLUX_FLOAT(Name, N, member) ZelAuxFloatRange AuxZelFloat##N;
+#define STRAIGHTLUX_POSITION(Name, NX, NY, member) ZelAuxPositionRange AuxZelPosition##NX;
+#define STRAIGHTLUX_MENU(Name, N, member) ZelAuxList AuxZelList##N;
+#define STRAIGHTLUX_BUTTON(Name, N, member, pluginCallback)
+#include "StraightluxControls.def"
 
-// In host control order. Each bind stores the number and the record views,
-// saves the field's range and leaves the control's continue-to-default flag set.
+// In the control list's order, which is the host's. Each bind stores the
+// number and the record views, saves the field's range and leaves the
+// control's continue-to-default flag set.
 void bindControls(StraightluxInfo& c) {
-    c.radial1.bind(kRadial1Control.number, fieldOf(SparkFloat6), &AuxZelFloat6);
-    c.radial2.bind(kRadial2Control.number, fieldOf(SparkFloat7), &AuxZelFloat7);
-    c.xCurvature.bind(kXCurvatureControl.number, fieldOf(SparkFloat8), &AuxZelFloat8);
-    c.yCurvature.bind(kYCurvatureControl.number, fieldOf(SparkFloat9), &AuxZelFloat9);
-    c.centre.bind(kCentreXControl.number, fieldOf(SparkFloat13), fieldOf(SparkFloat14),
-                  &AuxZelPosition13);
-    c.squeeze.bind(kSqueezeControl.number, fieldOf(SparkFloat16), &AuxZelFloat16);
-    c.sampling.bind(kSamplingControl.number, fieldOf(SparkPup17), &AuxZelList17);
-    c.magnify.bind(kMagnifyControl.number, fieldOf(SparkFloat18), &AuxZelFloat18);
-    c.lineEdit.bind(kLineEditControl.number, fieldOf(SparkPup20), &AuxZelList20);
-    c.killLines.bind(kKillLinesControl.number);
-    c.autoFind.bind(kAutoFindControl.number);
-    c.mode.bind(kModeControl.number, fieldOf(SparkPup23), &AuxZelList23);
-    c.view.bind(kViewControl.number, fieldOf(SparkPup24), &AuxZelList24);
-    c.reset.bind(kResetButtonControl.number);
+#define STRAIGHTLUX_FLOAT(Name, N, member) \
+    c.member.bind(k##Name##Control.number, fieldOf(SparkFloat##N), &AuxZelFloat##N);
+#define STRAIGHTLUX_POSITION(Name, NX, NY, member)                                            \
+    c.member.bind(k##Name##XControl.number, fieldOf(SparkFloat##NX), fieldOf(SparkFloat##NY), \
+                  &AuxZelPosition##NX);
+#define STRAIGHTLUX_MENU(Name, N, member) \
+    c.member.bind(k##Name##Control.number, fieldOf(SparkPup##N), &AuxZelList##N);
+#define STRAIGHTLUX_BUTTON(Name, N, member, pluginCallback) c.member.bind(k##Name##Control.number);
+#include "StraightluxControls.def"
 }
 
 float hostValue(const SparkFloatStruct& record, const ControlDescriptor& control) {
@@ -89,17 +75,18 @@ void bindOverlayWidgets(StraightluxInfo& c, OverlayZel& surface) {
     c.linePen.surface = &surface;
 }
 
+// A float field is copied as it is, a position as fractions.
 void copyHostValuesToControls(StraightluxInfo& c) {
-    c.radial1.setCached(hostValue(SparkFloat6, kRadial1Control));
-    c.radial2.setCached(hostValue(SparkFloat7, kRadial2Control));
-    c.xCurvature.setCached(hostValue(SparkFloat8, kXCurvatureControl));
-    c.yCurvature.setCached(hostValue(SparkFloat9, kYCurvatureControl));
-    c.centre.setCached(hostValue(SparkFloat13, kCentreXControl) / kPercent,
-                       hostValue(SparkFloat14, kCentreYControl) / kPercent);
-    c.squeeze.setCached(hostValue(SparkFloat16, kSqueezeControl));
-    c.magnify.setCached(hostValue(SparkFloat18, kMagnifyControl));
-    c.sampling.setCached(itemOf(SparkPup17, kSamplingControl));
-    c.lineEdit.setCached(itemOf(SparkPup20, kLineEditControl));
-    c.mode.setCached(itemOf(SparkPup23, kModeControl));
-    c.view.setCached(itemOf(SparkPup24, kViewControl));
+#define STRAIGHTLUX_FLOAT(Name, N, member)                                          \
+    static_assert(k##Name##Control.unit == ControlUnit::kPlain, #Name " is plain"); \
+    c.member.setCached(hostValue(SparkFloat##N, k##Name##Control));
+#define STRAIGHTLUX_POSITION(Name, NX, NY, member)                              \
+    static_assert(k##Name##XControl.unit == ControlUnit::kPercent &&            \
+                      k##Name##YControl.unit == ControlUnit::kPercent,          \
+                  #Name " is in percent");                                      \
+    c.member.setCached(hostValue(SparkFloat##NX, k##Name##XControl) / kPercent, \
+                       hostValue(SparkFloat##NY, k##Name##YControl) / kPercent);
+#define STRAIGHTLUX_MENU(Name, N, member) c.member.setCached(itemOf(SparkPup##N, k##Name##Control));
+#define STRAIGHTLUX_BUTTON(Name, N, member, pluginCallback)
+#include "StraightluxControls.def"
 }

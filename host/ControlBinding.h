@@ -14,17 +14,13 @@
 
 struct StraightluxInfo;
 
-extern ZelAuxFloatRange AuxZelFloat6;
-extern ZelAuxFloatRange AuxZelFloat7;
-extern ZelAuxFloatRange AuxZelFloat8;
-extern ZelAuxFloatRange AuxZelFloat9;
-extern ZelAuxPositionRange AuxZelPosition13;
-extern ZelAuxFloatRange AuxZelFloat16;
-extern ZelAuxList AuxZelList17;
-extern ZelAuxFloatRange AuxZelFloat18;
-extern ZelAuxList AuxZelList20;
-extern ZelAuxList AuxZelList23;
-extern ZelAuxList AuxZelList24;
+// AuxZelFloat<number>, AuxZelPosition<number> and AuxZelList<number>: one
+// per value field of the control list (StraightluxControls.def).
+#define STRAIGHTLUX_FLOAT(Name, N, member) extern ZelAuxFloatRange AuxZelFloat##N;
+#define STRAIGHTLUX_POSITION(Name, NX, NY, member) extern ZelAuxPositionRange AuxZelPosition##NX;
+#define STRAIGHTLUX_MENU(Name, N, member) extern ZelAuxList AuxZelList##N;
+#define STRAIGHTLUX_BUTTON(Name, N, member, pluginCallback)
+#include "StraightluxControls.def"
 
 // Binds every control of the lens plug-in's info to its exported record.
 void bindControls(StraightluxInfo& controls);

@@ -45,6 +45,19 @@ unsigned long* menuChanged(ControlZel& control, int arg, const SparkInfoStruct& 
     });
 }
 
+// A menu whose changes the plug-in hears even when the default handling is
+// switched off for it; a disabled one it does not hear.
+unsigned long* menuHeard(ControlZel& menu, PluginCallback callback, int arg,
+                         const SparkInfoStruct& info) {
+    return guardedCallback([&]() -> unsigned long* {
+        menu.Sync();
+        if (!menu.isDisabled()) (Instance.*callback)(menu, frameOf(info));
+        if (!menu.continueToDefault) return nullptr;
+        Instance.SyncControls();
+        return defaultHandling(arg, info);
+    });
+}
+
 // A disabled button does nothing, but the viewer is still refreshed.
 unsigned long* buttonPressed(ControlZel& button, PluginCallback callback, int arg,
                              const SparkInfoStruct& info) {
@@ -60,70 +73,28 @@ unsigned long* DefaultCB(int arg, SparkInfoStruct info) {
     return guardedCallback([&] { return defaultHandling(arg, info); });
 }
 
-unsigned long* dlcb_6(int arg, SparkInfoStruct info) {
-    return valueChanged(Instance.info.radial1, arg, info);
-}
-
-unsigned long* dlcb_7(int arg, SparkInfoStruct info) {
-    return valueChanged(Instance.info.radial2, arg, info);
-}
-
-unsigned long* dlcb_8(int arg, SparkInfoStruct info) {
-    return valueChanged(Instance.info.xCurvature, arg, info);
-}
-
-unsigned long* dlcb_9(int arg, SparkInfoStruct info) {
-    return valueChanged(Instance.info.yCurvature, arg, info);
-}
-
-unsigned long* dlcb_13(int arg, SparkInfoStruct info) {
-    return valueChanged(Instance.info.centre, arg, info);
-}
-
-unsigned long* dlcb_16(int arg, SparkInfoStruct info) {
-    return valueChanged(Instance.info.squeeze, arg, info);
-}
-
-unsigned long* dlcb_18(int arg, SparkInfoStruct info) {
-    return valueChanged(Instance.info.magnify, arg, info);
-}
-
-unsigned long* dlcb_17(int arg, SparkInfoStruct info) {
-    return menuChanged(Instance.info.sampling, arg, info);
-}
-
-unsigned long* dlcb_23(int arg, SparkInfoStruct info) {
-    return menuChanged(Instance.info.mode, arg, info);
-}
-
-unsigned long* dlcb_24(int arg, SparkInfoStruct info) {
-    return menuChanged(Instance.info.view, arg, info);
-}
-
-// The plug-in hears of a new line-edit mode even when the default handling
-// is switched off for this control.
-unsigned long* dlcb_20(int arg, SparkInfoStruct info) {
-    return guardedCallback([&]() -> unsigned long* {
-        ListControlZel& lineEdit = Instance.info.lineEdit;
-        lineEdit.Sync();
-        if (!lineEdit.isDisabled()) Instance.LineEditCB(lineEdit, frameOf(info));
-        if (!lineEdit.continueToDefault) return nullptr;
-        Instance.SyncControls();
-        return defaultHandling(arg, info);
-    });
-}
-
-unsigned long* dlcb_21(int arg, SparkInfoStruct info) {
-    return buttonPressed(Instance.info.killLines, &Straightlux::KillLinesCB, arg, info);
-}
-
-unsigned long* dlcb_22(int arg, SparkInfoStruct info) {
-    return buttonPressed(Instance.info.autoFind, &Straightlux::AutoCB, arg, info);
-}
-
-unsigned long* dlcb_27(int arg, SparkInfoStruct info) {
-    return buttonPressed(Instance.info.reset, &Straightlux::ResetCB, arg, info);
-}
+// One callback per lens field and button of the control list.
+#define STRAIGHTLUX_FLOAT(Name, N, member)                    \
+    unsigned long* dlcb_##N(int arg, SparkInfoStruct info) {  \
+        return valueChanged(Instance.info.member, arg, info); \
+    }
+#define STRAIGHTLUX_POSITION(Name, NX, NY, member)            \
+    unsigned long* dlcb_##NX(int arg, SparkInfoStruct info) { \
+        return valueChanged(Instance.info.member, arg, info); \
+    }
+#define STRAIGHTLUX_MENU(Name, N, member)                    \
+    unsigned long* dlcb_##N(int arg, SparkInfoStruct info) { \
+        return menuChanged(Instance.info.member, arg, info); \
+    }
+#define STRAIGHTLUX_MENU_HEARD(Name, N, member, pluginCallback)                          \
+    unsigned long* dlcb_##N(int arg, SparkInfoStruct info) {                             \
+        return menuHeard(Instance.info.member, &Straightlux::pluginCallback, arg, info); \
+    }
+#define STRAIGHTLUX_BUTTON(Name, N, member, pluginCallback)                                  \
+    unsigned long* dlcb_##N(int arg, SparkInfoStruct info) {                                 \
+        return buttonPressed(Instance.info.member, &Straightlux::pluginCallback, arg, info); \
+    }
+#include "StraightluxControls.def"
 
 // While the host is in its module level, the end of a blend change re-renders
 // (with "Auto Preview" on); otherwise the viewer is only redrawn.

@@ -10,23 +10,16 @@
 #include "SparkApi.h"
 
 extern "C" {
-// Float fields 6, 7, 8, 9, 16, 18 and the centre (13 and 14 share dlcb_13).
-unsigned long* dlcb_6(int arg, SparkInfoStruct info);
-unsigned long* dlcb_7(int arg, SparkInfoStruct info);
-unsigned long* dlcb_8(int arg, SparkInfoStruct info);
-unsigned long* dlcb_9(int arg, SparkInfoStruct info);
-unsigned long* dlcb_13(int arg, SparkInfoStruct info);
-unsigned long* dlcb_16(int arg, SparkInfoStruct info);
-unsigned long* dlcb_18(int arg, SparkInfoStruct info);
-// Menus 17, 20, 23, 24; "LineEdit" (20) also tells the plug-in its new mode.
-unsigned long* dlcb_17(int arg, SparkInfoStruct info);
-unsigned long* dlcb_20(int arg, SparkInfoStruct info);
-unsigned long* dlcb_23(int arg, SparkInfoStruct info);
-unsigned long* dlcb_24(int arg, SparkInfoStruct info);
-// Buttons: "KillLines", "AutoFind" and the plug-in's "Reset".
-unsigned long* dlcb_21(int arg, SparkInfoStruct info);
-unsigned long* dlcb_22(int arg, SparkInfoStruct info);
-unsigned long* dlcb_27(int arg, SparkInfoStruct info);
+// dlcb_<number> of each lens field and button of the control list
+// (StraightluxControls.def): dlcb_6 ... dlcb_27; the centre's two fields
+// share dlcb_13. "LineEdit" (20) also tells the plug-in its new mode.
+#define STRAIGHTLUX_FLOAT(Name, N, member) unsigned long* dlcb_##N(int arg, SparkInfoStruct info);
+#define STRAIGHTLUX_POSITION(Name, NX, NY, member) \
+    unsigned long* dlcb_##NX(int arg, SparkInfoStruct info);
+#define STRAIGHTLUX_MENU(Name, N, member) unsigned long* dlcb_##N(int arg, SparkInfoStruct info);
+#define STRAIGHTLUX_BUTTON(Name, N, member, pluginCallback) \
+    unsigned long* dlcb_##N(int arg, SparkInfoStruct info);
+#include "StraightluxControls.def"
 // Common fields: blend, proxy selector, "Auto Preview", "Clear Overlay".
 unsigned long* Blend1CB(int arg, SparkInfoStruct info);
 unsigned long* SetRes1CB(int arg, SparkInfoStruct info);

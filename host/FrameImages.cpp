@@ -14,8 +14,6 @@ void FrameImages::keep(Role role, ImageZel* image) {
     kept_[role].reset(image);
 }
 
-void FrameImages::release(Role role) { kept_[role].reset(); }
-
 void FrameImages::releaseAll() {
     for (std::unique_ptr<ImageZel>& image : kept_) image.reset();
 }

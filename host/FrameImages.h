@@ -20,7 +20,6 @@ class FrameImages {
     // The role's picture from now on (it may be the kept one); a different
     // kept picture is freed. Null keeps nothing.
     void keep(Role role, ImageZel* image);
-    void release(Role role);
     void releaseAll();
 
   private:

@@ -1,7 +1,8 @@
 // State of the host binding, one copy per loaded plug-in. Flags are 0 or 1.
 // The host's buffer ids: 1 is the output frame, 2 the first input clip.
-// DLwidth, DLheight, DLscalesr and DLnumProc are the binding's names for the
-// facts of the current request, which the framework reads from ZelHost.
+// DLwidth, DLheight, DLscalesr and DLnumProc are the binding's names, in the
+// host's "DL" naming (see DLImageConversion.h), for the facts of the current
+// request, which the framework reads from ZelHost.
 #pragma once
 
 #include "SparkApi.h"

@@ -56,8 +56,4 @@ void installHostServices() {
     host.drawing.end = glEnd;
     host.drawing.vertex = glVertex2f;
     host.drawing.colour = glColor3f;
-    host.drawing.loadIdentity = glLoadIdentity;
-    host.drawing.translate = glTranslatef;
-    host.drawing.scale = glScalef;
-    host.drawing.flush = glFlush;
 }

@@ -10,15 +10,16 @@ namespace {
 constexpr const char* kResetQuestion =
     "Are you sure you want to reset the current settings to default values?";
 
-// Page order; the blend, the proxy selector and the two check boxes keep
-// their values, deliberately: they are viewing choices, not lens settings.
+// Every lens field in page order (the control list's); the blend, the proxy
+// selector and the two check boxes keep their values, deliberately: they are
+// viewing choices, not lens settings.
 constexpr Straightlux::LensField kPageOrder[] = {
-    Straightlux::LensField::kRadial1,    Straightlux::LensField::kRadial2,
-    Straightlux::LensField::kXCurvature, Straightlux::LensField::kYCurvature,
-    Straightlux::LensField::kCentre,     Straightlux::LensField::kSqueeze,
-    Straightlux::LensField::kSampling,   Straightlux::LensField::kMagnify,
-    Straightlux::LensField::kLineEdit,   Straightlux::LensField::kMode,
-    Straightlux::LensField::kView};
+#define STRAIGHTLUX_FLOAT(Name, N, member) Straightlux::LensField::k##Name,
+#define STRAIGHTLUX_POSITION(Name, NX, NY, member) Straightlux::LensField::k##Name,
+#define STRAIGHTLUX_MENU(Name, N, member) Straightlux::LensField::k##Name,
+#define STRAIGHTLUX_BUTTON(Name, N, member, pluginCallback)
+#include "StraightluxControls.def"
+};
 
 }  // namespace
 
@@ -28,9 +29,9 @@ unsigned long* Reset1CB(int arg, SparkInfoStruct info) {
             // Only the fields: the model and the drawn lines follow at the next frame.
             Instance.resetLens(kPageOrder, Straightlux::ResetScope::kFieldsOnly);
             StraightluxInfo& controls = Instance.info;
-            controls.killLines.Sync();
-            controls.autoFind.Sync();
-            controls.reset.Sync();
+#define STRAIGHTLUX_BUTTON(Name, N, member, pluginCallback) controls.member.Sync();
+#define STRAIGHTLUX_RECORD(Name, Kind, N, callback)
+#include "StraightluxControls.def"
             Instance.SyncControls();
         }
         return DefaultCB(arg, info);

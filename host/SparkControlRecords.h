@@ -10,32 +10,10 @@
 #include "SparkExport.h"
 #include "StraightluxControlTable.h"
 
+// One record per line of the control list (StraightluxControls.def), named
+// Spark<Kind><number>: SparkFloat6 ("Radial1"), SparkPup17 ("Sampling"), ...
 extern "C" {
-// Lens page: the distortion model.
-extern SPARK_EXPORT SparkFloatStruct SparkFloat6;   // "Radial1"
-extern SPARK_EXPORT SparkFloatStruct SparkFloat7;   // "Radial2"
-extern SPARK_EXPORT SparkFloatStruct SparkFloat8;   // "XCurvature"
-extern SPARK_EXPORT SparkFloatStruct SparkFloat9;   // "YCurvature"
-extern SPARK_EXPORT SparkFloatStruct SparkFloat13;  // "Centre X", percent of the width
-extern SPARK_EXPORT SparkFloatStruct SparkFloat14;  // "Centre Y", percent of the height
-extern SPARK_EXPORT SparkFloatStruct SparkFloat16;  // "Squeeze"
-extern SPARK_EXPORT SparkPupStruct SparkPup17;      // "Sampling"
-extern SPARK_EXPORT SparkFloatStruct SparkFloat18;  // "Magnify"
-// Lens page: drawn lines and the fit.
-extern SPARK_EXPORT SparkPupStruct SparkPup20;    // "LineEdit"
-extern SPARK_EXPORT SparkPushStruct SparkPush21;  // "KillLines"
-extern SPARK_EXPORT SparkPushStruct SparkPush22;  // "AutoFind"
-extern SPARK_EXPORT SparkPupStruct SparkPup23;    // "Mode"
-extern SPARK_EXPORT SparkPupStruct SparkPup24;    // "View"
-extern SPARK_EXPORT SparkPushStruct SparkPush27;  // "Reset": the plug-in's own reset
-// Common fields.
-extern SPARK_EXPORT SparkFloatStruct SparkFloat27;      // "Blend", percent of the input
-extern SPARK_EXPORT SparkBooleanStruct SparkBoolean28;  // "Clear Overlay"
-extern SPARK_EXPORT SparkPushStruct SparkPush31;        // "Help"
-extern SPARK_EXPORT SparkPushStruct SparkPush32;        // "Reset": every lens field
-extern SPARK_EXPORT SparkPupStruct SparkPup33;          // proxy resolution
-extern SPARK_EXPORT SparkBooleanStruct SparkBoolean34;  // "Auto Preview"
-// "Import AIFF" page: a user channel loaded from an amplitude file.
-extern SPARK_EXPORT SparkUserFloatStruct SparkUserFloat93;
-extern SPARK_EXPORT SparkPushStruct SparkPush114;
+#define STRAIGHTLUX_RECORD(Name, Kind, N, callback) \
+    extern SPARK_EXPORT Spark##Kind##Struct Spark##Kind##N;
+#include "StraightluxControls.def"
 }

@@ -65,27 +65,26 @@ class Straightlux : public PluginZel, public OverlayZel, public StraightluxModel
     static void composeMagnify(ImageXfmZel& xfm, int32_t frameWidth, int32_t frameHeight,
                                float magnify);
 
-    // The lens fields a reset puts back to their defaults (the control table's).
+    // The lens fields a reset puts back to their defaults (the control
+    // table's): the value fields of the control list, in its order.
     enum class LensField {
-        kRadial1,
-        kRadial2,
-        kXCurvature,
-        kYCurvature,
-        kCentre,
-        kSqueeze,
-        kSampling,
-        kMagnify,
-        kLineEdit,
-        kMode,
-        kView
+#define STRAIGHTLUX_FLOAT(Name, N, member) k##Name,
+#define STRAIGHTLUX_POSITION(Name, NX, NY, member) k##Name,
+#define STRAIGHTLUX_MENU(Name, N, member) k##Name,
+#define STRAIGHTLUX_BUTTON(Name, N, member, pluginCallback)
+#include "StraightluxControls.def"
     };
     enum class ResetScope {
         kFieldsOnly,      // the controls and their host fields
         kFieldsAndModel,  // also the model fields and the line-edit state
     };
-    // Sets each listed field's control to its default (time -1: the host
-    // record, not a key), in the order given, and with kFieldsAndModel the
-    // matching model field too. The one place the lens defaults are applied.
+    // The time at which the plug-in writes and reads back its own controls:
+    // the host record itself (the cached value), not an animation key.
+    static constexpr double kCachedTime = -1.0;
+
+    // Sets each listed field's control to its default (at kCachedTime), in
+    // the order given, and with kFieldsAndModel the matching model field
+    // too. The one place the lens defaults are applied.
     void resetLens(const LensField* fields, int count, ResetScope scope);
     template <int N>
     void resetLens(const LensField (&fields)[N], ResetScope scope) {

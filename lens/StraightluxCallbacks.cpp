@@ -1,14 +1,8 @@
 // The plug-in's control callbacks. Every value written back to a control uses
-// the time -1.0: the host record itself, not an animation key.
+// kCachedTime: the host record itself, not an animation key.
 #include "PolyLineSet2DZel.h"
 #include "PrintError.h"
 #include "Straightlux.h"
-
-namespace {
-
-constexpr double kCachedTime = -1.0;
-
-}  // namespace
 
 void Straightlux::ResetCB(ControlZel&, double) {
     static constexpr LensField kButtonOrder[] = {

@@ -1,7 +1,10 @@
 // The plug-in's control table: one description per host control record, read
 // by everything that needs a control's number, title, range or default (the
 // exported records, the binding, the callbacks, the resets, the channel
-// editor, the amplitude import and the tests). Values are in host units:
+// editor, the amplitude import and the tests). Which records exist and what
+// each is bound to is the control list, StraightluxControls.def; the table's
+// arrays are expanded from it, and static_asserts below hold every listed
+// record's descriptor to the list's number, kind and symbol. Values are in host units:
 // floats as the field shows them (percent for the centre), menus as 0-based
 // indices; `pluginDefault` gives the plug-in's units (fractions, 1-based
 // entries). Titles keep their trailing blanks: the host lays the page out
@@ -153,20 +156,61 @@ inline constexpr ControlDescriptor kAmplitudeControl =
 inline constexpr ControlDescriptor kImportAmplitudeControl =
     pushControl(114, "SparkPush114", "Import Amplitude File");
 
-// Every exported record, in page order.
+// Every exported record, in the order of the control list (page order).
 inline constexpr const ControlDescriptor* kControlTable[] = {
-    &kRadial1Control,      &kRadial2Control,   &kXCurvatureControl,     &kYCurvatureControl,
-    &kCentreXControl,      &kCentreYControl,   &kSqueezeControl,        &kSamplingControl,
-    &kMagnifyControl,      &kLineEditControl,  &kKillLinesControl,      &kAutoFindControl,
-    &kModeControl,         &kViewControl,      &kResetButtonControl,    &kBlendControl,
-    &kClearOverlayControl, &kHelpControl,      &kResetAllControl,       &kProxyControl,
-    &kAutoPreviewControl,  &kAmplitudeControl, &kImportAmplitudeControl};
+#define STRAIGHTLUX_RECORD(Name, Kind, N, callback) &k##Name##Control,
+#include "StraightluxControls.def"
+};
 
 // The animatable channels named at start-up and listed in the channel editor's
-// "Lens" folder, in that order.
+// "Lens" folder, in that order: the lens page's float fields.
 inline constexpr const ControlDescriptor* kLensChannels[] = {
-    &kRadial1Control, &kRadial2Control, &kXCurvatureControl, &kYCurvatureControl,
-    &kCentreXControl, &kCentreYControl, &kSqueezeControl,    &kMagnifyControl};
+#define STRAIGHTLUX_FLOAT(Name, N, member) &k##Name##Control,
+#define STRAIGHTLUX_POSITION(Name, NX, NY, member) &k##Name##XControl, &k##Name##YControl,
+#define STRAIGHTLUX_MENU(Name, N, member)
+#define STRAIGHTLUX_BUTTON(Name, N, member, pluginCallback)
+#include "StraightluxControls.def"
+};
 
-// The position control's y field is the number after its x field.
-static_assert(kCentreYControl.number == kCentreXControl.number + 1, "centre fields are a pair");
+// The control list and the descriptors agree: each listed record's descriptor
+// has the record's number, kind and symbol.
+constexpr bool sameText(const char* a, const char* b) {
+    while (*a != '\0' && *a == *b) ++a, ++b;
+    return *a == *b;
+}
+// A record kind as the host's symbol names spell it.
+constexpr const char* recordKindName(ControlRecordKind kind) {
+    switch (kind) {
+        case ControlRecordKind::kFloat:
+            return "Float";
+        case ControlRecordKind::kUserFloat:
+            return "UserFloat";
+        case ControlRecordKind::kMenu:
+            return "Pup";
+        case ControlRecordKind::kPush:
+            return "Push";
+        case ControlRecordKind::kBoolean:
+            return "Boolean";
+    }
+    return "";
+}
+#define STRAIGHTLUX_RECORD(Name, Kind, N, callback)                                      \
+    static_assert(k##Name##Control.number == N, "k" #Name "Control: the listed number"); \
+    static_assert(sameText(recordKindName(k##Name##Control.kind), #Kind),                \
+                  "k" #Name "Control: the listed kind");                                 \
+    static_assert(sameText(k##Name##Control.symbol, "Spark" #Kind #N),                   \
+                  "k" #Name "Control: the listed symbol");
+#include "StraightluxControls.def"
+
+// A lens channel has a channel name; the position's y field is the number
+// after its x field.
+#define STRAIGHTLUX_FLOAT(Name, N, member) \
+    static_assert(k##Name##Control.channelName != nullptr, "k" #Name "Control: a channel");
+#define STRAIGHTLUX_POSITION(Name, NX, NY, member)                                            \
+    static_assert(NY == NX + 1, #Name ": the y field follows the x field");                   \
+    static_assert(                                                                            \
+        k##Name##XControl.channelName != nullptr && k##Name##YControl.channelName != nullptr, \
+        #Name ": channels");
+#define STRAIGHTLUX_MENU(Name, N, member)
+#define STRAIGHTLUX_BUTTON(Name, N, member, pluginCallback)
+#include "StraightluxControls.def"

@@ -53,18 +53,11 @@ struct StraightluxInfo {
     CrosshairOverlayZel crosshair;
     StraightluxLinePenOverlayZel linePen;
 
-    FloatControlZel radial1;     // "Radial1", control 6
-    FloatControlZel radial2;     // "Radial2", control 7
-    FloatControlZel xCurvature;  // "XCurvature", control 8
-    FloatControlZel yCurvature;  // "YCurvature", control 9
-    PositionControlZel centre;   // "Centre X" / "Centre Y", controls 13 and 14
-    FloatControlZel squeeze;     // "Squeeze", control 16
-    ListControlZel sampling;     // "Sampling", control 17
-    FloatControlZel magnify;     // "Magnify", control 18
-    ListControlZel lineEdit;     // "LineEdit", control 20
-    ButtonControlZel killLines;  // "KillLines", control 21
-    ButtonControlZel autoFind;   // "AutoFind", control 22
-    ListControlZel mode;         // "Mode", control 23
-    ListControlZel view;         // "View", control 24
-    ButtonControlZel reset;      // "Reset", control 27 (calls ResetCB)
+    // One control object per lens field and button of the control list
+    // (StraightluxControls.def), in its order.
+#define STRAIGHTLUX_FLOAT(Name, N, member) FloatControlZel member;
+#define STRAIGHTLUX_POSITION(Name, NX, NY, member) PositionControlZel member;
+#define STRAIGHTLUX_MENU(Name, N, member) ListControlZel member;
+#define STRAIGHTLUX_BUTTON(Name, N, member, pluginCallback) ButtonControlZel member;
+#include "StraightluxControls.def"
 };

@@ -13,7 +13,6 @@
 
 namespace {
 
-constexpr double kCachedTime = -1.0;
 // A line needs an interior point to say anything about straightness.
 constexpr int32_t kMinMeasuredPoints = 3;
 

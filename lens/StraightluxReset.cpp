@@ -5,62 +5,75 @@
 
 namespace {
 
-constexpr double kCachedTime = -1.0;
+using LensField = Straightlux::LensField;
+
+// The field's control, and so its host record, back to the control table's
+// default.
+void resetControl(StraightluxInfo& info, LensField field) {
+    switch (field) {
+#define STRAIGHTLUX_FLOAT(Name, N, member)                                                \
+    case LensField::k##Name:                                                              \
+        info.member.SetValue(Straightlux::kCachedTime, k##Name##Control.pluginDefault()); \
+        break;
+#define STRAIGHTLUX_POSITION(Name, NX, NY, member)                                        \
+    case LensField::k##Name:                                                              \
+        info.member.SetValue(Straightlux::kCachedTime, k##Name##XControl.pluginDefault(), \
+                             k##Name##YControl.pluginDefault());                          \
+        break;
+#define STRAIGHTLUX_MENU(Name, N, member)                                               \
+    case LensField::k##Name:                                                            \
+        info.member.SetValue(Straightlux::kCachedTime, k##Name##Control.defaultItem()); \
+        break;
+#define STRAIGHTLUX_BUTTON(Name, N, member, pluginCallback)
+#include "StraightluxControls.def"
+    }
+}
+
+// The model field that a lens field drives, back to the same default.
+void resetModel(Straightlux& lens, LensField field) {
+    switch (field) {
+        case LensField::kRadial1:
+            lens.radial1 = static_cast<float>(kRadial1Control.pluginDefault());
+            break;
+        case LensField::kRadial2:
+            lens.radial2 = static_cast<float>(kRadial2Control.pluginDefault());
+            break;
+        case LensField::kXCurvature:
+            lens.xCurvature = static_cast<float>(kXCurvatureControl.pluginDefault());
+            break;
+        case LensField::kYCurvature:
+            lens.yCurvature = static_cast<float>(kYCurvatureControl.pluginDefault());
+            break;
+        case LensField::kCentre:
+            // The control holds fractions of the frame, the model pixels.
+            lens.centreX = static_cast<float>(kCentreXControl.pluginDefault() * lens.width);
+            lens.centreY = static_cast<float>(kCentreYControl.pluginDefault() * lens.height);
+            break;
+        case LensField::kSqueeze:
+            lens.squeeze = static_cast<float>(kSqueezeControl.pluginDefault());
+            break;
+        case LensField::kSampling:
+            lens.sampling = kSamplingControl.defaultItem();
+            break;
+        case LensField::kMagnify:
+            lens.magnify = static_cast<float>(kMagnifyControl.pluginDefault());
+            break;
+        case LensField::kLineEdit:
+            lens.lastLineEdit = kLineEditControl.defaultItem();
+            break;
+        case LensField::kMode:
+            lens.mode = kModeControl.defaultItem();
+            break;
+        case LensField::kView:
+            break;  // only a way of looking: no model field
+    }
+}
 
 }  // namespace
 
 void Straightlux::resetLens(const LensField* fields, int count, ResetScope scope) {
-    const bool model = scope == ResetScope::kFieldsAndModel;
     for (int i = 0; i < count; ++i) {
-        switch (fields[i]) {
-            case LensField::kRadial1:
-                if (model) radial1 = static_cast<float>(kRadial1Control.pluginDefault());
-                info.radial1.SetValue(kCachedTime, kRadial1Control.pluginDefault());
-                break;
-            case LensField::kRadial2:
-                if (model) radial2 = static_cast<float>(kRadial2Control.pluginDefault());
-                info.radial2.SetValue(kCachedTime, kRadial2Control.pluginDefault());
-                break;
-            case LensField::kXCurvature:
-                if (model) xCurvature = static_cast<float>(kXCurvatureControl.pluginDefault());
-                info.xCurvature.SetValue(kCachedTime, kXCurvatureControl.pluginDefault());
-                break;
-            case LensField::kYCurvature:
-                if (model) yCurvature = static_cast<float>(kYCurvatureControl.pluginDefault());
-                info.yCurvature.SetValue(kCachedTime, kYCurvatureControl.pluginDefault());
-                break;
-            case LensField::kCentre:
-                // The control holds fractions of the frame, the model pixels.
-                if (model) {
-                    centreX = static_cast<float>(kCentreXControl.pluginDefault() * width);
-                    centreY = static_cast<float>(kCentreYControl.pluginDefault() * height);
-                }
-                info.centre.SetValue(kCachedTime, kCentreXControl.pluginDefault(),
-                                     kCentreYControl.pluginDefault());
-                break;
-            case LensField::kSqueeze:
-                if (model) squeeze = static_cast<float>(kSqueezeControl.pluginDefault());
-                info.squeeze.SetValue(kCachedTime, kSqueezeControl.pluginDefault());
-                break;
-            case LensField::kSampling:
-                if (model) sampling = kSamplingControl.defaultItem();
-                info.sampling.SetValue(kCachedTime, kSamplingControl.defaultItem());
-                break;
-            case LensField::kMagnify:
-                if (model) magnify = static_cast<float>(kMagnifyControl.pluginDefault());
-                info.magnify.SetValue(kCachedTime, kMagnifyControl.pluginDefault());
-                break;
-            case LensField::kLineEdit:
-                if (model) lastLineEdit = kLineEditControl.defaultItem();
-                info.lineEdit.SetValue(kCachedTime, kLineEditControl.defaultItem());
-                break;
-            case LensField::kMode:
-                if (model) mode = kModeControl.defaultItem();
-                info.mode.SetValue(kCachedTime, kModeControl.defaultItem());
-                break;
-            case LensField::kView:
-                info.view.SetValue(kCachedTime, kViewControl.defaultItem());
-                break;
-        }
+        if (scope == ResetScope::kFieldsAndModel) resetModel(*this, fields[i]);
+        resetControl(info, fields[i]);
     }
 }

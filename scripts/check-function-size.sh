@@ -10,7 +10,7 @@ build="${1:-build/default}"
 cmake --preset default -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
 config='{CheckOptions: [{key: readability-function-size.LineThreshold, value: 60}]}'
 found=0
-for file in $(git ls-files 'simhost/*.cpp' 'safeio/*.cpp' 'sparkapp/*.cpp' 'tools/*.cpp'); do
+for file in $(git ls-files 'simhost/*.cpp' 'safeio/*.cpp' 'sparkapp/*.cpp' 'sparkview/*.cpp' 'tools/*.cpp'); do
   if clang-tidy -p "$build" --quiet -checks='-*,readability-function-size' -config="$config" \
     "$file" 2>/dev/null | grep "warning:"; then
     found=1

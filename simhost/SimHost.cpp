@@ -109,6 +109,9 @@ void Host::reset() {
     messageSink = nullptr;
     setupLoads = 0;
     setupSaves = 0;
+    confirmSink = nullptr;
+    pageTitles.clear();
+    cursorSink = nullptr;
     // The loaded plug-in stays: it belongs to its Plugin object, not to the script.
     clearCalls();
 }

@@ -69,6 +69,9 @@ class Host {
     int processors = 2;              // sparkMpFork runs this many workers
     std::deque<int> confirmAnswers;  // sparkMessageConfirm pops from the front...
     int confirmDefault = 1;          // ...and answers this when empty
+    // When set, sparkMessageConfirm asks this instead (a host that shows the
+    // question to a user); the answer is non-zero for yes.
+    std::function<int(const std::string& question)> confirmSink;
     std::string workingDir = "/tmp";
     std::string fileBrowserChoice;  // handed to the browser's callback; empty: user cancels
     float viewerRatio = 1.0f;       // sparkGetViewerRatio
@@ -106,6 +109,11 @@ class Host {
     // sparkLoadSetup and sparkSaveSetup calls since reset().
     int setupLoads = 0;
     int setupSaves = 0;
+    // Titles of the control pages (sparkControlTitle), by page: 0 to 4 the
+    // five pages, 5 process, 6 analyse.
+    std::map<int, std::string> pageTitles;
+    // Called with each sparkViewingCursor kind (the viewer's pointer shape).
+    std::function<void(int kind)> cursorSink;
 
     // ---- recorded calls (off unless switched on) ----
     void setRecording(bool on) { recording_.store(on); }

@@ -52,6 +52,7 @@ void sparkMessage(char* text) {
 int sparkMessageConfirm(char* text) {
     simhost::note("sparkMessageConfirm", text);
     Host& h = host();
+    if (h.confirmSink) return h.confirmSink(argText(text));
     if (h.confirmAnswers.empty()) return h.confirmDefault;
     const int answer = h.confirmAnswers.front();
     h.confirmAnswers.pop_front();
@@ -60,7 +61,10 @@ int sparkMessageConfirm(char* text) {
 
 // ---- titles and channels ----
 
-void sparkControlTitle(int page, char* title) { simhost::note("sparkControlTitle", page, title); }
+void sparkControlTitle(int page, char* title) {
+    simhost::note("sparkControlTitle", page, title);
+    host().pageTitles[page] = argText(title);
+}
 
 void sparkClipControlTitle(int clip, char* title) {
     simhost::note("sparkClipControlTitle", clip, title);
@@ -126,7 +130,10 @@ float sparkGetViewerRatio(void) {
     return host().viewerRatio;
 }
 
-void sparkViewingCursor(int kind) { simhost::note("sparkViewingCursor", kind); }
+void sparkViewingCursor(int kind) {
+    simhost::note("sparkViewingCursor", kind);
+    if (host().cursorSink) host().cursorSink(kind);
+}
 
 void sparkViewingDraw(void) { simhost::note("sparkViewingDraw"); }
 

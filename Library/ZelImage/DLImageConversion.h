@@ -6,6 +6,12 @@
 // the way in and replicates each image pixel over a factor x factor block on
 // the way out; a factor below 1 counts as 1. Used by the host binding's frame
 // driver and by the framework's random frame access.
+//
+// "DL" is the host's own prefix for its frame buffers and for the globals a
+// plug-in keeps about them: a DL image is a frame as the host stores it. The
+// conversions (DLImageConversion, DLImageRows, DLPixelFormulas) and the host
+// binding's DLwidth, DLheight, DLscalesr, DLnumProc and DL_Sync_Ctrl keep the
+// host's names.
 #pragma once
 
 class ImageZel;

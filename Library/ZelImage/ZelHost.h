@@ -26,10 +26,6 @@ struct ZelDrawingCalls {
     void (*end)() = nullptr;
     void (*vertex)(float x, float y) = nullptr;
     void (*colour)(float r, float g, float b) = nullptr;
-    void (*loadIdentity)() = nullptr;
-    void (*translate)(float x, float y, float z) = nullptr;
-    void (*scale)(float x, float y, float z) = nullptr;
-    void (*flush)() = nullptr;
 };
 
 struct ZelHost {

@@ -13,6 +13,8 @@
 //   7 memory: an allocation failed while working (the frame passed the
 //            estimate, or --max-memory raised the limit)
 //   8 internal: an unexpected exception (a fault in sparkrun or the plug-in)
+//   9 display: a window program cannot open its window (no display, no
+//            OpenGL with the compatibility profile)
 // A signal ends a run with 128 + its number (see ProcessSignals.h).
 #pragma once
 
@@ -27,6 +29,7 @@ enum class ExitCode : int {
     Processing = 6,
     Memory = 7,
     Internal = 8,
+    Display = 9,
 };
 
 struct RunStatus {

@@ -203,6 +203,12 @@ RunStatus parseCommandLine(int argc, char** argv, RunOptions* options) {
     addUtilityOptions(app, *options);
     addLensDataOptions(app, *options);
     app.add_option("files", options->files);
+    const RunStatus status = parseApp(app, argc, argv);
+    if (status.ok()) takeModes(app, *options);
+    return status;
+}
+
+RunStatus parseApp(CLI::App& app, int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const ValueRefused& refused) {
@@ -210,7 +216,6 @@ RunStatus parseCommandLine(int argc, char** argv, RunOptions* options) {
     } catch (const CLI::ParseError& error) {
         return refusal(app, error);
     }
-    takeModes(app, *options);
     for (std::string extra : app.remaining()) {
         if (extra == kEndOfOptions) continue;
         return RunStatus::failure(ExitCode::Usage,

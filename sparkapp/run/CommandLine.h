@@ -27,5 +27,10 @@ void addSessionOptions(CLI::App& app, RunOptions& options);
 // --from-lensfun, --correct-in, --to-opencv, --to-lensfun, --focal, --crop.
 void addLensDataOptions(CLI::App& app, RunOptions& options);
 
+// Parses argv with an app whose options are declared, in the tool's words:
+// a refused value, a flag given a value, an option missing its value or an
+// unknown option is a usage failure naming it.
+RunStatus parseApp(CLI::App& app, int argc, char** argv);
+
 // sparkrun's usage text (--help).
 const char* usageText();

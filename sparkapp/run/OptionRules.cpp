@@ -23,7 +23,7 @@ RunStatus usage(const std::string& text) { return RunStatus::failure(ExitCode::U
 
 // Images in and out: the main mode with its two names.
 bool imagesIn(const RunOptions& options) {
-    return options.mode == RunMode::Process && !options.files.empty();
+    return options.mode == RunMode::Process && !options.files.empty() && !options.viewer;
 }
 
 // The lens exports are one mode: both may be written at once.
@@ -69,6 +69,7 @@ RunStatus modeFiles(const RunOptions& options) {
         case RunMode::ExportLens:
             return frameSize(options, options.modeOptions.front());
         case RunMode::Process:
+            if (options.viewer) return RunStatus::success();
             // With no names at all, --save-setup alone saves the controls.
             if (count == 2 || (count == 0 && !options.saveSetupPath.empty()))
                 return RunStatus::success();
@@ -89,8 +90,28 @@ RunStatus setupNames(const RunOptions& options) {
     return RunStatus::success();
 }
 
+// The viewer program shows one image or sequence, drawing the lines on its
+// first frame.
+RunStatus viewerProgram(const RunOptions& options) {
+    if (!options.viewer) return RunStatus::success();
+    if (options.files.size() > 1) return usage("give at most one IMAGE or PATTERN");
+    if (options.autoFind && options.linesPath.empty())
+        return usage("--autofind presses AutoFind after the lines of --lines are drawn");
+    if (!options.linesPath.empty() && options.files.empty())
+        return usage("--lines draws on an IMAGE: name one");
+    if (options.files.empty()) return RunStatus::success();
+    FramePattern input;
+    std::string error;
+    std::vector<unsigned> frames;
+    if (!FramePattern::parse(options.files[0], &input, &error) ||
+        (!options.frames.empty() && !parseFrameRange(options.frames, &frames, &error)))
+        return usage(error);
+    return RunStatus::success();
+}
+
 // The viewer's work is done on the first input frame.
 RunStatus viewerNeedsImages(const RunOptions& options) {
+    if (options.viewer) return RunStatus::success();
     if (options.viewerWork() && !imagesIn(options))
         return usage("--lines, --autofind and --overlay work on an INPUT and OUTPUT");
     return RunStatus::success();
@@ -208,8 +229,8 @@ RunStatus lensExport(const RunOptions& options) {
 
 const std::vector<Rule>& rules() {
     static const std::vector<Rule> all = {
-        oneMode,     setupNames,  viewerNeedsImages, modeFiles,  namesAndFrames,
-        logEncoding, overlayName, stMapNames,        lensSource, lensExport};
+        oneMode,     setupNames,  viewerProgram, viewerNeedsImages, modeFiles, namesAndFrames,
+        logEncoding, overlayName, stMapNames,    lensSource,        lensExport};
     return all;
 }
 }  // namespace

@@ -51,6 +51,9 @@ struct RunOptions {
     int sizeWidth = 0;        // --size: a frame without a picture (chart, ST-map, lens); 0: none
     int sizeHeight = 0;
     double marginPercent = 10.0;
+    // The interactive viewer's command line: at most one INPUT (an image or a
+    // sequence pattern) and no OUTPUT; the session options mean the same.
+    bool viewer = false;
 
     // Lens data in and out.
     std::string stMapPath;         // --stmap: the set-up's ST-map (pattern for frames)

@@ -1,5 +1,6 @@
 // The module's dynamic symbol table holds exactly the names of the export
-// list, and the list's control records are exactly the control table's.
+// list made at configure time, and the list's control records, expanded from
+// the control list, are exactly the control table's.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -17,7 +18,7 @@ namespace {
 // (the names after the "# Control records" line), else every name.
 std::set<std::string> listedExports(bool records = false) {
     std::set<std::string> names;
-    std::ifstream list(STRAIGHTLUX_SOURCE_DIR "/host/exports.txt");
+    std::ifstream list(STRAIGHTLUX_BINARY_DIR "/host/exports.txt");
     std::string line;
     bool inRecords = false;
     while (std::getline(list, line)) {

@@ -43,12 +43,11 @@ class LoadedPlugin : public testing::Test {
 
     // Selects "View: Input" (menu index 1 of control 24), under which the
     // plug-in copies its input unchanged, so frames show the driver's own
-    // conversions. False while the plug-in does not export that record.
-    bool showInputView() {
+    // conversions.
+    void showInputView() {
         SparkPupStruct* view = plugin.record<SparkPupStruct>("SparkPup24");
-        if (view == nullptr) return false;
+        ASSERT_NE(view, nullptr);
         view->Value = 1;
-        return true;
     }
 
     simhost::Plugin plugin;

@@ -25,7 +25,8 @@ TEST_F(StraightluxEndToEnd, FramesAndButtonsThroughTheHost) {
     simhost::FrameBuffer& output = host().setBuffer(1, kWidth, kHeight, 24);
     auto* radial1 = plugin.record<SparkFloatStruct>("SparkFloat6");
     auto* mode = plugin.record<SparkPupStruct>("SparkPup23");
-    ASSERT_TRUE(radial1 && mode);
+    ASSERT_NE(radial1, nullptr);
+    ASSERT_NE(mode, nullptr);
 
     // Defaults: the identity map; 8-bit values survive the 15-bit round trip.
     ASSERT_EQ(plugin.process(info), output.storage.data());

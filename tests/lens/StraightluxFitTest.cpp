@@ -44,10 +44,10 @@ TEST(StraightluxFit, MeasureErrorSumsInteriorDistancesNewestFirst) {
     ASSERT_EQ(lens.errorPointCount, 7);
     const double expected[7][2] = {{10, 10}, {20, 10}, {50, 13}, {90, 10},
                                    {10, 50}, {50, 60}, {90, 50}};
-    for (int i = 0; i < 7; ++i)
-        EXPECT_TRUE(std::fabs(lens.errorPoints[i].x - expected[i][0]) < 1e-9 &&
-                    std::fabs(lens.errorPoints[i].y - expected[i][1]) < 1e-9)
-            << i;
+    for (int i = 0; i < 7; ++i) {
+        EXPECT_NEAR(lens.errorPoints[i].x, expected[i][0], 1e-9) << i;
+        EXPECT_NEAR(lens.errorPoints[i].y, expected[i][1], 1e-9) << i;
+    }
     EXPECT_GT(std::fabs(lens.MeasureError(0.3, true) - 13.0), 0.1);  // k2 bends the lines
     EXPECT_EQ(lens.radial2, 0.0f);
 }
@@ -83,12 +83,17 @@ TEST(StraightluxFit, AutoFindRecoversAKnownCoefficient) {
         // that.
         EXPECT_NEAR(lens.radial1, k1, 1e-4);
         EXPECT_NEAR(lens.radial2, 0.0f, 1e-4);
-        EXPECT_TRUE(rig.radial1.Value == lens.radial1 && rig.radial2.Value == lens.radial2);
-        EXPECT_TRUE(lens.centreX == 320.0f && lens.centreY == 240.0f);
-        EXPECT_TRUE(lens.xCurvature == 0.0f && lens.yCurvature == 0.0f &&
-                    rig.xCurvature.Value == 0.0f);
-        EXPECT_TRUE(rig.centreX.Value == 50.0f && rig.centreY.Value == 50.0f);
-        EXPECT_TRUE(lens.mode == kModeAutoRemove && rig.mode.Value == kModeAutoRemove - 1);
+        EXPECT_EQ(rig.radial1.Value, lens.radial1);
+        EXPECT_EQ(rig.radial2.Value, lens.radial2);
+        EXPECT_EQ(lens.centreX, 320.0f);
+        EXPECT_EQ(lens.centreY, 240.0f);
+        EXPECT_EQ(lens.xCurvature, 0.0f);
+        EXPECT_EQ(lens.yCurvature, 0.0f);
+        EXPECT_EQ(rig.xCurvature.Value, 0.0f);
+        EXPECT_EQ(rig.centreX.Value, 50.0f);
+        EXPECT_EQ(rig.centreY.Value, 50.0f);
+        EXPECT_EQ(lens.mode, kModeAutoRemove);
+        EXPECT_EQ(rig.mode.Value, kModeAutoRemove - 1);
         EXPECT_FALSE(Host::instance().called("sparkControlUpdate(16)"));  // Squeeze untouched
         EXPECT_EQ(Host::instance().count("sparkMessage"), 0);
         EXPECT_EQ(lens.errorPointCount, 48);
@@ -148,7 +153,8 @@ TEST(StraightluxFit, FailuresReportAndFlatErrorRunsTheStepBudget) {
     rig.radial1.Value = 0.25f;
     lens.AutoCB(lens.info.autoFind, 1.0);
     EXPECT_TRUE(Messaged("Optimization failed."));
-    EXPECT_TRUE(lens.mode == kModeAdd && rig.mode.Value == kModeAdd - 1);
+    EXPECT_EQ(lens.mode, kModeAdd);
+    EXPECT_EQ(rig.mode.Value, kModeAdd - 1);
     EXPECT_EQ(rig.view.Value, kViewResult - 1);
     EXPECT_EQ(rig.radial1.Value, 0.25f);  // nothing reset
 
@@ -160,8 +166,9 @@ TEST(StraightluxFit, FailuresReportAndFlatErrorRunsTheStepBudget) {
     AddLine(lens, {{0.5, 0.5}, {0.5, 0.5}, {0.9, 0.5}});
     AddLine(lens, {{0.5, 0.5}, {0.5, 0.5}, {0.8, 0.2}});
     lens.AutoCB(lens.info.autoFind, 1.0);
-    EXPECT_TRUE(lens.radial1 == 25000.0f && lens.radial2 == 25000.0f &&
-                rig.radial2.Value == 25000.0f);
+    EXPECT_EQ(lens.radial1, 25000.0f);
+    EXPECT_EQ(lens.radial2, 25000.0f);
+    EXPECT_EQ(rig.radial2.Value, 25000.0f);
 }
 
 TEST(StraightluxFit, ResetKillLinesAndLineEdit) {
@@ -181,14 +188,17 @@ TEST(StraightluxFit, ResetKillLinesAndLineEdit) {
     lens.currentLine = lens.lines->head;
     rig.lineEdit.Value = kLineEditNoAction - 1;
     lens.LineEditCB(lens.info.lineEdit, 1.0);
-    EXPECT_TRUE(lens.currentLine == nullptr && lens.lastLineEdit == kLineEditNoAction);
+    EXPECT_EQ(lens.currentLine, nullptr);
+    EXPECT_EQ(lens.lastLineEdit, kLineEditNoAction);
 
     ASSERT_TRUE(lens.OptimizeK1K2());
     rig.lineEdit.Value = kLineEditMovePoint - 1;
     lens.KillLinesCB(lens.info.killLines, 1.0);
-    EXPECT_TRUE(lens.lines->head == nullptr && lens.errorPoints == nullptr &&
-                lens.errorPointCount == 0);
-    EXPECT_TRUE(lens.lastLineEdit == kLineEditNoAction && rig.lineEdit.Value == 0);
+    EXPECT_EQ(lens.lines->head, nullptr);
+    EXPECT_EQ(lens.errorPoints, nullptr);
+    EXPECT_EQ(lens.errorPointCount, 0);
+    EXPECT_EQ(lens.lastLineEdit, kLineEditNoAction);
+    EXPECT_EQ(rig.lineEdit.Value, 0);
 
     // Reset: every control back to the control table's default, lines gone.
     rig.radial1.Value = rig.radial2.Value = rig.xCurvature.Value = rig.yCurvature.Value = 0.5f;
@@ -199,11 +209,16 @@ TEST(StraightluxFit, ResetKillLinesAndLineEdit) {
     lens.ResetCB(lens.info.reset, 1.0);
     for (const SparkFloatStruct* r : {&rig.radial1, &rig.radial2, &rig.xCurvature, &rig.yCurvature})
         EXPECT_EQ(r->Value, 0.0f);
-    EXPECT_TRUE(rig.centreX.Value == 50.0f && rig.centreY.Value == 50.0f);
-    EXPECT_TRUE(rig.squeeze.Value == 1.0f && rig.magnify.Value == 1.0f);
+    EXPECT_EQ(rig.centreX.Value, 50.0f);
+    EXPECT_EQ(rig.centreY.Value, 50.0f);
+    EXPECT_EQ(rig.squeeze.Value, 1.0f);
+    EXPECT_EQ(rig.magnify.Value, 1.0f);
     EXPECT_EQ(rig.sampling.Value, kSamplingSharpCubic - 1);
-    EXPECT_TRUE(rig.lineEdit.Value == 0 && rig.mode.Value == 0 && rig.view.Value == 0);
-    EXPECT_TRUE(lens.centreX == 5.0f && lens.centreY == 4.0f &&
-                lens.sampling == kSamplingSharpCubic);
+    EXPECT_EQ(rig.lineEdit.Value, 0);
+    EXPECT_EQ(rig.mode.Value, 0);
+    EXPECT_EQ(rig.view.Value, 0);
+    EXPECT_EQ(lens.centreX, 5.0f);
+    EXPECT_EQ(lens.centreY, 4.0f);
+    EXPECT_EQ(lens.sampling, kSamplingSharpCubic);
     EXPECT_EQ(lens.lines->head, nullptr);
 }

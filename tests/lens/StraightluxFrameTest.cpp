@@ -134,8 +134,8 @@ TEST(StraightluxFrame, AddressMapFollowsTheModel) {
         for (int i = 0; i < w; ++i) {
             tagDPT2 back;
             reference.MapUndistortedToDistorted(entry(i, j), back);
-            ASSERT_TRUE(std::fabs(back.x - i) < 1e-4 && std::fabs(back.y - j) < 1e-4)
-                << i << "," << j;
+            ASSERT_NEAR(back.x, i, 1e-4) << i << "," << j;
+            ASSERT_NEAR(back.y, j, 1e-4) << i << "," << j;
         }
     // Add: each entry is the model's image of its pixel.
     rig.mode.Value = kModeAdd - 1;
@@ -144,8 +144,8 @@ TEST(StraightluxFrame, AddressMapFollowsTheModel) {
         for (int i = 0; i < w; ++i) {
             tagDPT2 forward;
             reference.MapUndistortedToDistorted(tagDPT2{double(i), double(j)}, forward);
-            ASSERT_TRUE(std::fabs(entry(i, j).x - forward.x) < 1e-4 &&
-                        std::fabs(entry(i, j).y - forward.y) < 1e-4);
+            ASSERT_NEAR(entry(i, j).x, forward.x, 1e-4) << i << "," << j;
+            ASSERT_NEAR(entry(i, j).y, forward.y, 1e-4) << i << "," << j;
         }
     // Auto Remove with k1 = k2 = -1 folds the outer frame over: where the
     // inverse fails the entry is (0, 0) and shows the top-left input pixel.
@@ -213,7 +213,8 @@ TEST(StraightluxFrame, SizeChangeAndFailedMapAllocation) {
     rig.run(large, largeOut);  // every entry of the larger map is filled
     EXPECT_TRUE(same(largeOut, large));
     EXPECT_EQ(rig.lens.savedHeight, 6);
-    EXPECT_TRUE(rig.lens.scratch->width == 7 && rig.lens.scratch->height == 6);
+    EXPECT_EQ(rig.lens.scratch->width, 7);
+    EXPECT_EQ(rig.lens.scratch->height, 6);
 
     // Back to 5 x 4 with the map allocation refused: the output keeps what it
     // had, no message, the saved values still move on; the next frame retries.
@@ -229,7 +230,8 @@ TEST(StraightluxFrame, SizeChangeAndFailedMapAllocation) {
     EXPECT_EQ(smallOut.rows[3][4].red, 7);
     EXPECT_EQ(simhost::Host::instance().count("sparkMessage"), 0);
     EXPECT_EQ(rig.lens.savedWidth, 5);
-    EXPECT_TRUE(rig.lens.scratch->width == 5 && rig.lens.scratch->height == 4);
+    EXPECT_EQ(rig.lens.scratch->width, 5);
+    EXPECT_EQ(rig.lens.scratch->height, 4);
 
     rig.run(small, smallOut);
     EXPECT_NE(rig.lens.addressMap, nullptr);

@@ -1,9 +1,9 @@
 // A Straightlux object on the test bench, bound to the plug-in's exported
 // control records by the real binding, with the real host service talking to
-// the simulated host. Each rig puts the records back to the control table's
-// defaults first. run() is one frame as the host driver runs it: the host
-// values copied into the controls, then ProcessFrame. Pictures are
-// value-coded: scale * (x + 10 * y).
+// the simulated host. Each rig puts the lens fields' records back to the
+// control table's defaults first. run() is one frame as the host driver runs
+// it: the host values copied into the controls, then ProcessFrame. Pictures
+// are value-coded: scale * (x + 10 * y).
 #pragma once
 
 #include <SimHost.h>
@@ -22,18 +22,14 @@ struct StraightluxRig {
         setenv("STRAIGHTLUX_SLEEP_SCALE", "0", 1);
         simhost::Host::instance().reset();
         installHostServices();
-        resetFloat(radial1, kRadial1Control);
-        resetFloat(radial2, kRadial2Control);
-        resetFloat(xCurvature, kXCurvatureControl);
-        resetFloat(yCurvature, kYCurvatureControl);
-        resetFloat(centreX, kCentreXControl);
-        resetFloat(centreY, kCentreYControl);
-        resetFloat(squeeze, kSqueezeControl);
-        resetFloat(magnify, kMagnifyControl);
-        resetMenu(sampling, kSamplingControl);
-        resetMenu(lineEdit, kLineEditControl);
-        resetMenu(mode, kModeControl);
-        resetMenu(view, kViewControl);
+#define STRAIGHTLUX_FLOAT(Name, N, member) resetRecord(SparkFloat##N, k##Name##Control);
+#define STRAIGHTLUX_POSITION(Name, NX, NY, member)  \
+    resetRecord(SparkFloat##NX, k##Name##XControl); \
+    resetRecord(SparkFloat##NY, k##Name##YControl);
+#define STRAIGHTLUX_MENU(Name, N, member) resetRecord(SparkPup##N, k##Name##Control);
+#define STRAIGHTLUX_BUTTON(Name, N, member, pluginCallback)
+#define STRAIGHTLUX_RECORD(Name, Kind, N, callback)
+#include "StraightluxControls.def"
         bindControls(lens.info);
     }
     // The plug-in leaves its resampler to the library's lifetime; the bench frees it.
@@ -47,28 +43,25 @@ struct StraightluxRig {
         lens.ProcessFrame();
     }
 
-    static void resetFloat(SparkFloatStruct& record, const ControlDescriptor& control) {
+    static void resetRecord(SparkFloatStruct& record, const ControlDescriptor& control) {
         record.Value = control.defaultValue;
         record.Min = control.min;
         record.Max = control.max;
     }
-    static void resetMenu(SparkPupStruct& record, const ControlDescriptor& control) {
+    static void resetRecord(SparkPupStruct& record, const ControlDescriptor& control) {
         record.Value = control.defaultIndex;
         record.TitleCount = control.entryCount;
     }
 
-    SparkFloatStruct& radial1 = SparkFloat6;
-    SparkFloatStruct& radial2 = SparkFloat7;
-    SparkFloatStruct& xCurvature = SparkFloat8;
-    SparkFloatStruct& yCurvature = SparkFloat9;
-    SparkFloatStruct& centreX = SparkFloat13;
-    SparkFloatStruct& centreY = SparkFloat14;
-    SparkFloatStruct& squeeze = SparkFloat16;
-    SparkFloatStruct& magnify = SparkFloat18;
-    SparkPupStruct& sampling = SparkPup17;
-    SparkPupStruct& lineEdit = SparkPup20;
-    SparkPupStruct& mode = SparkPup23;
-    SparkPupStruct& view = SparkPup24;
+    // The lens fields' records by their control's name (the centre's as
+    // centreX and centreY).
+#define STRAIGHTLUX_FLOAT(Name, N, member) SparkFloatStruct& member = SparkFloat##N;
+#define STRAIGHTLUX_POSITION(Name, NX, NY, member) \
+    SparkFloatStruct& member##X = SparkFloat##NX;  \
+    SparkFloatStruct& member##Y = SparkFloat##NY;
+#define STRAIGHTLUX_MENU(Name, N, member) SparkPupStruct& member = SparkPup##N;
+#define STRAIGHTLUX_BUTTON(Name, N, member, pluginCallback)
+#include "StraightluxControls.def"
     Straightlux lens;
 };
 

@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "SimHost.h"
 
@@ -56,6 +57,28 @@ TEST(SimHostFunctions, AnswersFromScriptedState) {
     EXPECT_EQ(sparkMessageConfirm(text("sure?")), 1);
     EXPECT_EQ(sparkMessageConfirm(text("sure?")), 0);  // queue empty: the default
     EXPECT_EQ(host.count("sparkMessageConfirm"), 3);
+    // A host that asks its user answers through the sink, queue untouched.
+    std::string asked;
+    host.confirmAnswers = {0};
+    host.confirmSink = [&asked](const std::string& question) {
+        asked = question;
+        return 1;
+    };
+    EXPECT_EQ(sparkMessageConfirm(text("reset?")), 1);
+    EXPECT_EQ(asked, "reset?");
+    EXPECT_EQ(host.confirmAnswers.size(), 1u);
+    host.confirmSink = nullptr;
+    // Page titles and viewer cursors reach the driving program.
+    std::vector<int> cursors;
+    host.cursorSink = [&cursors](int kind) { cursors.push_back(kind); };
+    sparkViewingCursor(14);
+    sparkViewingCursor(1);
+    EXPECT_EQ(cursors, (std::vector<int>{14, 1}));
+    sparkControlTitle(3, text("Import AIFF"));
+    EXPECT_EQ(host.pageTitles[3], "Import AIFF");
+    host.reset();
+    EXPECT_TRUE(host.pageTitles.empty());
+    EXPECT_FALSE(host.cursorSink);
 
     host.apiVersion = 3.5f;
     host.freeBuffers = 1;

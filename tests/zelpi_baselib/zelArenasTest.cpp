@@ -1,3 +1,6 @@
+// The two ready-made allocators of the runtime heap: the arena allocator
+// (neighbours merge, the top grows and shrinks in place) and the dynamic
+// store (power-of-two buddies split and merge, growing moves the block).
 #include <gtest/gtest.h>
 
 #include "zelArenaAllocator.h"

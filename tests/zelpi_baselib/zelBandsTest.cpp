@@ -1,3 +1,6 @@
+// The runtime's band arithmetic: the band size rounded to nearest with ties
+// to even, each worker's rows and span, and every row owned by exactly one
+// worker.
 #include <gtest/gtest.h>
 
 #include <vector>

@@ -1,3 +1,7 @@
+// The runtime's executor: each worker gets its rows on its own thread, every
+// row once at any worker count, the processor count set once, a worker that
+// cannot start leaves its rows to the caller, and runs from several threads
+// or from inside a worker.
 #include <errno.h>
 #include <gtest/gtest.h>
 #include <pthread.h>

@@ -1,3 +1,6 @@
+// The tracked heap in debug mode: misuse logged and nothing freed, blocks
+// that share a hash bucket still found, the report's counts and source names,
+// trace lines, and plain mode going straight to the C library.
 #include <gtest/gtest.h>
 
 #include <cstdint>

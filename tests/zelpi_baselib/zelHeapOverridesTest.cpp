@@ -1,3 +1,6 @@
+// The tracked heap with an allocator installed: the arena allocator and the
+// dynamic store serve blocks, and blocks stay with the allocator that made
+// them after it is switched off, in debug mode and under several threads.
 #include <gtest/gtest.h>
 
 #include <cstdint>

@@ -1,3 +1,7 @@
+// The runtime's message log: lines with tag, time and level, continuation
+// lines, the clock wrapping past midnight, the default logger's double
+// formatting, silencing and console copy, and over-long messages cut to the
+// buffer.
 #include <gtest/gtest.h>
 
 #include <cstdio>

@@ -1,3 +1,6 @@
+// The runtime's synchronisation calls: mutexes tried and released (failures
+// logged, null tolerated), counting semaphores, blocks from the tracked heap,
+// and condition waits with absolute deadlines.
 #include <errno.h>
 #include <gtest/gtest.h>
 #include <semaphore.h>

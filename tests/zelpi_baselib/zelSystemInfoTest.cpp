@@ -1,9 +1,13 @@
+// The runtime's machine queries (processors, page size, names, memory and
+// its log lines) and the scheduling classes, which act on the calling thread
+// only.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/utsname.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <regex>
 #include <thread>
 
@@ -53,7 +57,8 @@ TEST(ZelSystemInfo, SchedulingClassesActOnTheCallingThread) {
     const int normal = niceOfThisThread();
     std::thread worker([normal] {
         EXPECT_EQ(zelmp_schedule_low(), 0);
-        EXPECT_EQ(niceOfThisThread(), normal + 10);
+        // Nice values stop at 19, so a test run already niced ends there.
+        EXPECT_EQ(niceOfThisThread(), std::min(normal + 10, 19));
         // Going back up needs the privilege to raise priority.
         if (geteuid() == 0) {
             EXPECT_EQ(zelmp_schedule_normal(), 0);

@@ -1,3 +1,6 @@
+// The runtime's table of tracked threads: at most 32, entries dropped when a
+// thread is killed or leaves, creation retried while resources are short,
+// and closing cancels every tracked thread.
 #include <errno.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -164,7 +167,8 @@ TEST_F(ThreadTable, CloseCancelsEveryTrackedThread) {
     ASSERT_NE(b, -1);
     zelmp_close_threads();
     EXPECT_EQ(zelmp_thread_count(), 0);
-    EXPECT_TRUE(eventually([&] { return first.unwound && second.unwound; }));
+    EXPECT_TRUE(eventually([&] { return bool(first.unwound); }));
+    EXPECT_TRUE(eventually([&] { return bool(second.unwound); }));
 
     // The layer sets itself up again on the next start.
     Gate gate;

@@ -17,9 +17,10 @@ void expectSamePixels(const ImageZel& plain, const ImageZel& vector) {
         for (long x = 0; x < plain.width; ++x) {
             const PixelZel& a = plain.rows[y][x];
             const PixelZel& b = vector.rows[y][x];
-            ASSERT_TRUE(a.red == b.red && a.green == b.green && a.blue == b.blue &&
-                        a.alpha == b.alpha)
-                << x << "," << y;
+            ASSERT_EQ(a.red, b.red) << x << "," << y;
+            ASSERT_EQ(a.green, b.green) << x << "," << y;
+            ASSERT_EQ(a.blue, b.blue) << x << "," << y;
+            ASSERT_EQ(a.alpha, b.alpha) << x << "," << y;
         }
 }
 

@@ -1,3 +1,6 @@
+// ImageZel, the picture type: construction with own or lent pixels and the
+// copy, bilinear point sampling at the borders and between pixels, and the
+// value operations (fill, channel fill, look-up tables, copy, blend).
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -38,14 +41,19 @@ TEST(ImageZel, ConstructionAndCopy) {
     EXPECT_EQ(own.rows[3], own.pixels + 15);
     EXPECT_EQ(own.sizeFactor, 144.0f);  // 720 / 5
     EXPECT_EQ(own.pixelAspect, 1.0);    // the aspect argument is ignored
-    EXPECT_TRUE(own.secondScale == 1.0 && own.words[3] == 0 && own.opParams[15] == 0);
-    EXPECT_TRUE(own.attached == nullptr && own.background.alpha == 0);
+    EXPECT_EQ(own.secondScale, 1.0);
+    EXPECT_EQ(own.words[3], 0u);
+    EXPECT_EQ(own.opParams[15], 0u);
+    EXPECT_EQ(own.attached, nullptr);
+    EXPECT_EQ(own.background.alpha, 0);
 
     PixelZel lent[3 * 2];
     bool gone = false;
     {
         ImageZel source(3, 2, 1.0f, lent, reinterpret_cast<renderop_tag*>(0x99));
-        EXPECT_TRUE(source.ownsPixels == 0 && source.pixels == lent && source.rows[1] == lent + 3);
+        EXPECT_EQ(source.ownsPixels, 0);
+        EXPECT_EQ(source.pixels, lent);
+        EXPECT_EQ(source.rows[1], lent + 3);
         EXPECT_EQ(source.sizeFactor, 240.0f);
         code(source);
         source.pixelAspect = 1.5;
@@ -54,11 +62,15 @@ TEST(ImageZel, ConstructionAndCopy) {
         source.attached = new Witness(&gone);
         {
             ImageZel copy(source);
-            EXPECT_TRUE(copy.ownsPixels == 1 && copy.pixels != lent &&
-                        copy.rows[1] == copy.pixels + 3);
+            EXPECT_EQ(copy.ownsPixels, 1);
+            EXPECT_NE(copy.pixels, lent);
+            EXPECT_EQ(copy.rows[1], copy.pixels + 3);
             EXPECT_EQ(std::memcmp(copy.pixels, lent, sizeof lent), 0);
-            EXPECT_TRUE(copy.pixelAspect == 1.5 && copy.words[2] == 7 && copy.opParams[0] == 0);
-            EXPECT_TRUE(copy.renderOp == source.renderOp && copy.attached == nullptr);
+            EXPECT_EQ(copy.pixelAspect, 1.5);
+            EXPECT_EQ(copy.words[2], 7u);
+            EXPECT_EQ(copy.opParams[0], 0u);
+            EXPECT_EQ(copy.renderOp, source.renderOp);
+            EXPECT_EQ(copy.attached, nullptr);
             copy.rows[1][2].red = 4444;
         }
         EXPECT_EQ(lent[5].red, 12);  // the lender's pixels are untouched and still alive
@@ -95,16 +107,22 @@ TEST(ImageZel, PointSampleB) {
 TEST(ImageZel, ValueOperations) {
     ImageZel im(3, 2, 1.0f, nullptr, nullptr);
     im.Fill(1, 2, 3, 4);
-    EXPECT_TRUE(im.rows[1][2].red == 1 && im.rows[1][2].alpha == 4 && im.rows[0][0].blue == 3);
+    EXPECT_EQ(im.rows[1][2].red, 1);
+    EXPECT_EQ(im.rows[1][2].alpha, 4);
+    EXPECT_EQ(im.rows[0][0].blue, 3);
     code(im);
     im.FillChannel(7, 1);
     im.FillChannel(5, 4);  // no such channel
-    EXPECT_TRUE(im.rows[1][2].red == 12 && im.rows[1][2].green == 7 && im.rows[1][2].alpha == 1012);
+    EXPECT_EQ(im.rows[1][2].red, 12);
+    EXPECT_EQ(im.rows[1][2].green, 7);
+    EXPECT_EQ(im.rows[1][2].alpha, 1012);
 
     std::vector<unsigned short> up(65536), half(65536);
     for (int i = 0; i < 65536; ++i) up[i] = i + 1, half[i] = i / 2;
     im.ApplyLUT(up.data(), half.data(), up.data(), half.data());
-    EXPECT_TRUE(im.rows[1][1].red == 12 && im.rows[1][1].green == 3 && im.rows[1][1].alpha == 505);
+    EXPECT_EQ(im.rows[1][1].red, 12);
+    EXPECT_EQ(im.rows[1][1].green, 3);
+    EXPECT_EQ(im.rows[1][1].alpha, 505);
 
     // CopyValues: the source's size drives the loop; unit factors keep values above 32767.
     ImageZel src(3, 2, 1.0f, nullptr, nullptr), dst(5, 4, 1.0f, nullptr, nullptr);
@@ -112,8 +130,9 @@ TEST(ImageZel, ValueOperations) {
     src.rows[0][0].red = 40000;
     dst.Fill(8, 8, 8, 8);
     dst.CopyValues(&src, 1.0f, 1.0f, 1.0f, 1.0f);
-    EXPECT_TRUE(dst.rows[0][0].red == 40000 && dst.rows[1][2].green == 12 &&
-                dst.rows[0][3].red == 8);
+    EXPECT_EQ(dst.rows[0][0].red, 40000);
+    EXPECT_EQ(dst.rows[1][2].green, 12);
+    EXPECT_EQ(dst.rows[0][3].red, 8);
     dst.CopyValues(&src, 1.0f, 1.0f, 1.0f, 0.999f);
     EXPECT_EQ(dst.rows[0][0].red, 32767);
     EXPECT_EQ(dst.rows[1][2].alpha, 1010);  // 1012 * 0.999 = 1010.988, truncated
@@ -125,11 +144,16 @@ TEST(ImageZel, ValueOperations) {
     im.Fill(2, 100, 40000, 0);
     other.Fill(1, 200, 0, 65535);
     im.InBlend(0.0f, &other);
-    EXPECT_TRUE(im.rows[1][2].red == 2 && im.rows[1][2].blue == 40000);
+    EXPECT_EQ(im.rows[1][2].red, 2);
+    EXPECT_EQ(im.rows[1][2].blue, 40000);
     im.InBlend(0.5f, &other);
     const PixelZel& p = im.rows[1][2];
-    EXPECT_TRUE(p.red == 1 && p.green == 150 && p.blue == 20000 && p.alpha == 32767);
+    EXPECT_EQ(p.red, 1);
+    EXPECT_EQ(p.green, 150);
+    EXPECT_EQ(p.blue, 20000);
+    EXPECT_EQ(p.alpha, 32767);
     code(other, 300);
     im.InBlend(1.0f, &other);
-    EXPECT_TRUE(im.rows[1][2].red == 312 && im.rows[0][1].alpha == 1301);
+    EXPECT_EQ(im.rows[1][2].red, 312);
+    EXPECT_EQ(im.rows[0][1].alpha, 1301);
 }

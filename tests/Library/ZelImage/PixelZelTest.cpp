@@ -1,3 +1,5 @@
+// PixelZel, the 15-bit pixel: HSV both ways, hand-worked and round trips
+// through every hue sector, and luminance.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -13,21 +15,33 @@ static PixelZel px(int r, int g, int b, int a = 0) {
 TEST(PixelZel, HSV) {
     unsigned short h = 1, s = 1, v = 1;
     px(0, 0, 0).GetHSV(h, s, v);
-    EXPECT_TRUE(h == 0 && s == 0 && v == 0);
+    EXPECT_EQ(h, 0);
+    EXPECT_EQ(s, 0);
+    EXPECT_EQ(v, 0);
     // Halves are 16383: saturation and value 16383 * 2.
     px(32767, 0, 0).GetHSV(h, s, v);
-    EXPECT_TRUE(h == 0 && s == 32766 && v == 32766);
+    EXPECT_EQ(h, 0);
+    EXPECT_EQ(s, 32766);
+    EXPECT_EQ(v, 32766);
     px(0, 0, 32767).GetHSV(h, s, v);
     EXPECT_EQ(h, 21844);  // (65536 / 6) * 2
     // Halves (10000, 5000, 2000): s = 8000*16383/10000 = 13106, gc = 10239, bc = 16383,
     // h = 6144 -> 2048. Back: p = 3277*10000/16383 = 2000, t = 5000 (sector 0).
     px(20000, 10000, 4000).GetHSV(h, s, v);
-    EXPECT_TRUE(h == 2048 && s == 26212 && v == 20000);
+    EXPECT_EQ(h, 2048);
+    EXPECT_EQ(s, 26212);
+    EXPECT_EQ(v, 20000);
     PixelZel p = px(1, 2, 3, 777);
     p.SetHSV(2048, 26212, 20000);
-    EXPECT_TRUE(p.red == 20000 && p.green == 10000 && p.blue == 4000 && p.alpha == 777);
+    EXPECT_EQ(p.red, 20000);
+    EXPECT_EQ(p.green, 10000);
+    EXPECT_EQ(p.blue, 4000);
+    EXPECT_EQ(p.alpha, 777);
     p.SetHSV(65535, 32766, 32766);  // sector 11: no colour
-    EXPECT_TRUE(p.red == 0 && p.green == 0 && p.blue == 0 && p.alpha == 777);
+    EXPECT_EQ(p.red, 0);
+    EXPECT_EQ(p.green, 0);
+    EXPECT_EQ(p.blue, 0);
+    EXPECT_EQ(p.alpha, 777);
 
     // Round trips through every sector lose a few steps at most.
     for (PixelZel c : {px(32767, 32767, 32767), px(1234, 20000, 30000), px(30000, 30000, 100),
@@ -47,5 +61,8 @@ TEST(PixelZel, Luminance) {
     EXPECT_EQ(px(1, 1, 0).GetLuminance(), 0);                  // 13 / 16 truncates
     PixelZel p = px(1, 2, 3, 4);
     p.SetLuminance(900);
-    EXPECT_TRUE(p.red == 900 && p.green == 900 && p.blue == 900 && p.alpha == 4);
+    EXPECT_EQ(p.red, 900);
+    EXPECT_EQ(p.green, 900);
+    EXPECT_EQ(p.blue, 900);
+    EXPECT_EQ(p.alpha, 4);
 }

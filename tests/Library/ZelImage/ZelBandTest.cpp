@@ -1,3 +1,5 @@
+// Row banding: which rows each worker takes and which band a share names, and
+// the bands run in order on the calling thread when no host forks them.
 #include <gtest/gtest.h>
 
 #include <utility>

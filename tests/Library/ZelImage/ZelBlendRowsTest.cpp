@@ -61,8 +61,15 @@ TEST(ZelBlendRows, VectorFormMatchesThePlainForm) {
             zelBlendRowPlain(plain.data(), other.data(), count, amount, 1.0f - amount);
             zelBlendRowAvx2(vector.data(), other.data(), count, amount, 1.0f - amount);
             for (size_t i = 0; i < base.size(); ++i) {
-                ASSERT_TRUE(plain[i].red == vector[i].red && plain[i].green == vector[i].green &&
-                            plain[i].blue == vector[i].blue && plain[i].alpha == vector[i].alpha)
+                const PixelZel& p = plain[i];
+                const PixelZel& v = vector[i];
+                ASSERT_EQ(p.red, v.red)
+                    << "amount " << amount << " count " << count << " pixel " << i;
+                ASSERT_EQ(p.green, v.green)
+                    << "amount " << amount << " count " << count << " pixel " << i;
+                ASSERT_EQ(p.blue, v.blue)
+                    << "amount " << amount << " count " << count << " pixel " << i;
+                ASSERT_EQ(p.alpha, v.alpha)
                     << "amount " << amount << " count " << count << " pixel " << i;
             }
         }
