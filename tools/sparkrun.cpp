@@ -86,6 +86,7 @@ int main(int argc, char** argv) {
     } catch (...) {
         status = RunStatus::failure(ExitCode::Internal, "internal error: an unknown exception");
     }
+    endReaderProcesses();
     if (status.ok()) return 0;
     std::fprintf(stderr, "sparkrun: %s\n", status.message.c_str());
     if (status.code == ExitCode::Usage) std::fputs("(sparkrun --help shows the usage)\n", stderr);

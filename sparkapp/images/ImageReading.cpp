@@ -209,6 +209,9 @@ void configureReaderLibrary() {
     // 0: as many threads as processors.
     OIIO::attribute("threads", 0);
     OIIO::attribute("exr_threads", 0);
+    // The library's catalogue of formats is made now, while the tool is
+    // still starting, rather than at the first read.
+    OIIO::ImageInput::create("catalogue.dpx");
 }
 
 RunStatus readImage(const std::string& path, const ReadRequest& request, FilePixels* picture,

@@ -179,7 +179,10 @@ bool ReaderProcess::forkNow() {
     return true;
 }
 
-void startReaderEarly() { defaultReader().forkNow(); }
+void startReaderEarly() {
+    defaultReader().forkNow();
+    aheadReader().forkNow();
+}
 
 bool ReaderProcess::start(std::string* error) {
     // A stop or a crash of the program ends the readers too.
@@ -325,6 +328,11 @@ ReaderProcess& defaultReader() {
     return *reader;
 }
 
+ReaderProcess& aheadReader() {
+    static ReaderProcess* reader = new ReaderProcess;
+    return *reader;
+}
+
 RunStatus readInReaderProcess(const std::string& path, const ReadRequest& request,
                               FilePixels* picture, int* depth) {
     return defaultReader().read(path, request, picture, depth);
@@ -421,6 +429,16 @@ uint64_t readerIdleMemory() {
     uint64_t sum = 0;
     for (int i = 0; i < kMaxReaders; ++i) sum += readerIdle[i];
     return sum;
+}
+
+void endReaderProcesses() {
+    for (int i = 0; i < kMaxReaders; ++i) {
+        const pid_t pid = readerPids[i].exchange(0);
+        if (pid <= 0) continue;
+        kill(pid, SIGKILL);
+        while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
+        }
+    }
 }
 
 void stopReaderProcess() {

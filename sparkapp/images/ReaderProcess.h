@@ -76,10 +76,12 @@ class ReaderProcess {
     std::vector<float> following_;  // samples sent through the socket (a file-size limit)
 };
 
-// The reader that readImage() uses.
+// The reader that readImage() uses, and the one that reads a sequence's
+// frames ahead (FrameInputs), so that the two may read at once.
 ReaderProcess& defaultReader();
+ReaderProcess& aheadReader();
 
-// Forks the default reader: call first thing in main, before any thread.
+// Forks both: call first thing in main, before any thread.
 void startReaderEarly();
 
 RunStatus readInReaderProcess(const std::string& path, const ReadRequest& request,
@@ -97,3 +99,6 @@ uint64_t readerIdleMemory();
 
 // Kills every reader. Async-signal-safe.
 void stopReaderProcess();
+// Kills every reader and waits for it: for a program's normal end, so that
+// no finished reader is left for the system to collect.
+void endReaderProcesses();

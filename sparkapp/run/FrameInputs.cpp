@@ -13,7 +13,7 @@ FrameInputs::FrameInputs(const FrameSource& source, size_t frameWords, int lanes
     const bool sequence = source.plan->input.isSequence();
     const int count = sequence ? lanes : 1;
     for (int i = 0; i < count; ++i)
-        readers_.push_back(i == 0 ? &defaultReader() : new ReaderProcess);
+        readers_.push_back(i == 0 ? &aheadReader() : new ReaderProcess);
     for (int i = 0; i < count; ++i) lanes_.emplace_back(&FrameInputs::lane, this, readers_[i]);
 }
 

@@ -1,8 +1,10 @@
 // The frame loop.
 #include "FrameLoop.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <memory>
 
 #include "ControlAssignments.h"
 #include "DpxFastPath.h"
@@ -179,20 +181,29 @@ OutputSettings outputSettings(const RunOptions& options, const FramePlan& plan,
     return settings;
 }
 
-// The pipeline: frames read ahead, processed here in order, written behind.
-RunStatus renderPipelined(const RunOptions& options, const FramePlan& plan, SparkSession& session,
-                          const FirstFrame& first, FrameLoopWatch* watch) {
+// The reading ahead starts as soon as the first frame is known, while the
+// plug-in is loaded and started.
+std::unique_ptr<FrameInputs> startReadingAhead(const RunOptions& options, const FramePlan& plan,
+                                               const FirstFrame& first) {
     FrameSource source;
     source.plan = &plan;
     source.first = &first.picture;
     source.next = first.next;
     source.depth = first.depth;
     source.encoding = options.floatEncoding;
-    const size_t words = session.newHostFrame().size();
-    FrameInputs inputs(source, words, kReadLanes, kReadAhead);
-    FrameOutputs outputs(outputSettings(options, plan, session, watch), words, kWriters);
+    const size_t words = (hostFrameBytes(first.picture.width, first.picture.height, first.depth) +
+                          sizeof(unsigned long) - 1) /
+                         sizeof(unsigned long);
+    return std::make_unique<FrameInputs>(source, std::max<size_t>(words, 1), kReadLanes,
+                                         kReadAhead);
+}
+
+// The pipeline: frames read ahead, processed here in order, written behind.
+RunStatus renderPipelined(const RunOptions& options, const FramePlan& plan, SparkSession& session,
+                          FrameInputs& inputs, FrameLoopWatch* watch) {
     HostFrame input = session.newHostFrame();
     HostFrame result = session.newHostFrame();
+    FrameOutputs outputs(outputSettings(options, plan, session, watch), result.size(), kWriters);
     const unsigned total = static_cast<unsigned>(plan.frames.size());
     RunStatus status;
     for (size_t i = 0; i < plan.frames.size() && !outputs.failed(); ++i) {
@@ -225,11 +236,13 @@ RunStatus runFrames(const RunOptions& options, const std::string& pluginPath,
     FirstFrame first;
     status = readFirstFrame(options, plan, &first);
     if (!status.ok()) return status;
+    std::unique_ptr<FrameInputs> inputs;
+    if (!options.sequential) inputs = startReadingAhead(options, plan, first);
     SparkSession session(options.quiet, options.processors);
     status = startSession(options, pluginPath, plan, first, session);
     if (status.ok())
-        status = options.sequential ? renderSequentially(options, plan, session, first, watch)
-                                    : renderPipelined(options, plan, session, first, watch);
+        status = inputs ? renderPipelined(options, plan, session, *inputs, watch)
+                        : renderSequentially(options, plan, session, first, watch);
     const RunStatus finished = session.finish(status.ok() ? options.saveSetupPath : "");
     return status.ok() ? finished : status;
 }

@@ -197,4 +197,6 @@ void FrameOutputs::report() {
         if (!report.line.empty()) std::printf("%s\n", report.line.c_str());
         progress_.advance(static_cast<int>(report.done), report.frame);
     }
+    // A program that follows the --verbose lines through a pipe sees each frame as it is written.
+    if (!reports.empty() && settings_.verbose) std::fflush(stdout);
 }
