@@ -27,7 +27,7 @@ const int kOutputCopies = 2;       // the samples and the writer's copy
 // The host's input and output, and the frame loop's: two read ahead and the
 // one being exchanged, two being written and the one being exchanged.
 const int kHostFrames = 8;
-const int kDecodedCopies = 3;      // reader process, tool, the frame it replaces
+const int kDecodedCopies = 3;  // reader process, tool, the frame it replaces
 
 // The number after `key` in a "key value" text file, or kUnknown.
 uint64_t fieldOf(const std::string& path, const std::string& key) {

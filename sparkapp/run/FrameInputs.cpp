@@ -12,8 +12,7 @@ FrameInputs::FrameInputs(const FrameSource& source, size_t frameWords, int lanes
     // A still input needs no reader: one lane fills its slots from the picture.
     const bool sequence = source.plan->input.isSequence();
     const int count = sequence ? lanes : 1;
-    for (int i = 0; i < count; ++i)
-        readers_.push_back(i == 0 ? &aheadReader() : new ReaderProcess);
+    for (int i = 0; i < count; ++i) readers_.push_back(i == 0 ? &aheadReader() : new ReaderProcess);
     for (int i = 0; i < count; ++i) lanes_.emplace_back(&FrameInputs::lane, this, readers_[i]);
 }
 
