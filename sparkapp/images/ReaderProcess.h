@@ -4,8 +4,12 @@
 //
 // The reader is this same program started afresh (/proc/self/exe with the
 // internal first argument --reader-process), so that it inherits none of the
-// image library's thread pools or locks; the first one may instead be forked
-// at the program's start, before there are any (startReaderEarly). It is
+// image library's thread pools or locks. The first two may instead be forked
+// at the program's start (startReaderEarly), which spares them loading the
+// program's libraries again: before the program makes a thread of its own or
+// touches the image library. (The only threads then are the idle pool that
+// log4cplus starts when it is loaded, for OpenVDB, which no decoder here
+// waits on.) It is
 // started at its first read and serves every read of its ReaderProcess, one
 // at a time, over a socket: a request (the file and the ReadRequest), an
 // answer (the status and the header facts). The samples themselves are
