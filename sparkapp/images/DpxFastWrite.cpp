@@ -69,8 +69,8 @@ std::vector<unsigned char> captureHeader(int width, int height) {
     if (!out || !out->supports("ioproxy")) return {};
     const uint64_t data = static_cast<uint64_t>(width) * static_cast<uint64_t>(height) * 6;
     HeaderCapture capture(1 << 16);
-    OIIO::ImageSpec spec(width, height, 3, OIIO::TypeDesc::UINT16);
-    if (!out->set_ioproxy(&capture) || !out->open("", spec)) return {};
+    OIIO::ImageSpec layout(width, height, 3, OIIO::TypeDesc::UINT16);
+    if (!out->set_ioproxy(&capture) || !out->open("", layout)) return {};
     // A picture of one row is enough to learn the header; the rows are zeros.
     std::vector<uint16_t> row(static_cast<size_t>(width) * 3, 0);
     for (int y = 0; y < height; ++y) out->write_scanline(y, 0, OIIO::TypeDesc::UINT16, row.data());

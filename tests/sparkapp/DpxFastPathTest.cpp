@@ -49,12 +49,12 @@ void writeDpx(const std::string& file, int width, int height, int channels, int 
     auto out = OIIO::ImageOutput::create(file);
     ASSERT_TRUE(out);
     const OIIO::TypeDesc type = bits == 8 ? OIIO::TypeDesc::UINT8 : OIIO::TypeDesc::UINT16;
-    OIIO::ImageSpec spec(width, height, channels, type);
-    if (bits != 8) spec.attribute("oiio:BitsPerSample", bits);
-    spec.attribute("oiio:Endian", endian);
-    if (!packing.empty()) spec.attribute("dpx:Packing", packing);
+    OIIO::ImageSpec format(width, height, channels, type);
+    if (bits != 8) format.attribute("oiio:BitsPerSample", bits);
+    format.attribute("oiio:Endian", endian);
+    if (!packing.empty()) format.attribute("dpx:Packing", packing);
     const std::vector<uint16_t> samples = noise(static_cast<size_t>(width) * height * channels, 5);
-    ASSERT_TRUE(out->open(file, spec));
+    ASSERT_TRUE(out->open(file, format));
     ASSERT_TRUE(out->write_image(OIIO::TypeDesc::UINT16, samples.data()));
     ASSERT_TRUE(out->close());
 }
@@ -63,8 +63,8 @@ std::vector<uint16_t> oiioSamples(const std::string& file) {
     auto in = OIIO::ImageInput::open(file);
     EXPECT_TRUE(in) << file;
     if (!in) return {};
-    const OIIO::ImageSpec& spec = in->spec();
-    std::vector<uint16_t> samples(static_cast<size_t>(spec.width) * spec.height * 3);
+    const OIIO::ImageSpec& header = in->spec();
+    std::vector<uint16_t> samples(static_cast<size_t>(header.width) * header.height * 3);
     EXPECT_TRUE(in->read_image(0, 0, 0, 3, OIIO::TypeDesc::UINT16, samples.data())) << file;
     return samples;
 }
@@ -201,9 +201,9 @@ TEST_F(DpxFastPath, WrittenFilesAreOpenImageIOsBytesAndReadBackExactly) {
             OIIO::Filesystem::IOVecOutput stream(theirs);
             auto writer = OIIO::ImageOutput::create("shot.0042.dpx");
             ASSERT_TRUE(writer && writer->set_ioproxy(&stream));
-            OIIO::ImageSpec spec(size.first, size.second, 3, OIIO::TypeDesc::UINT16);
-            if (*date) spec.attribute("DateTime", date);
-            ASSERT_TRUE(writer->open("shot.0042.dpx", spec));
+            OIIO::ImageSpec header(size.first, size.second, 3, OIIO::TypeDesc::UINT16);
+            if (*date) header.attribute("DateTime", date);
+            ASSERT_TRUE(writer->open("shot.0042.dpx", header));
             ASSERT_TRUE(writer->write_image(OIIO::TypeDesc::UINT16, samples.sixteens.data()));
             ASSERT_TRUE(writer->close());
             EXPECT_EQ(bytesOf(file), theirs) << size.first << "x" << size.second << " " << date;
