@@ -10,11 +10,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cctype>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <mutex>
 #include <vector>
 
 namespace safeio {
@@ -30,14 +32,25 @@ const int kSlots = 16;  // temporaries open at once; a program has one or two
 const size_t kMaxTagBytes = 32;
 const size_t kSlotBytes = 4096;
 const size_t kRewriteChunk = 1 << 20;
+const long kMaxSpins = 100000000;  // a fraction of a second
 const unsigned kFnvOffset = 2166136261u;
 const unsigned kFnvPrime = 16777619u;
 const char kLetters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
 
-// Paths of open temporaries, read by a signal handler: a slot's text is
-// complete before its flag is set and the flag cleared before it is reused.
+// Paths of open temporaries, read by a signal handler on any thread: a
+// slot's text is complete before its flag is set and the flag cleared before
+// it is reused. Writers on several threads take slots under slotLock (never
+// taken by the handler).
 char slotPaths[kSlots][kSlotBytes];
-volatile sig_atomic_t slotUsed[kSlots];
+std::atomic<int> slotUsed[kSlots];
+std::mutex slotLock;
+// A temporary being created on some thread (counted while it is), and the
+// signal cleanup's mark: once set, no temporary is created any more (the
+// process is ending), and the cleanup waits for the creations under way to
+// be registered before it walks the slots, so that none escapes it.
+std::atomic<int> creating{0};
+std::atomic<int> removing{0};
+static_assert(std::atomic<int>::is_always_lock_free, "read by a signal handler");
 
 // Holds off the signals whose handlers remove temporaries.
 class SignalHold {
@@ -73,6 +86,7 @@ std::string cleanTag(const char* name) {
 }
 
 int registerSlot(const std::string& path) {
+    std::lock_guard<std::mutex> lock(slotLock);
     for (int i = 0; i < kSlots; ++i) {
         if (slotUsed[i]) continue;
         std::memcpy(slotPaths[i], path.c_str(), path.size() + 1);
@@ -83,6 +97,7 @@ int registerSlot(const std::string& path) {
 }
 
 void releaseSlot(int slot) {
+    std::lock_guard<std::mutex> lock(slotLock);
     if (slot >= 0) slotUsed[slot] = 0;
 }
 
@@ -182,6 +197,7 @@ bool OutputFile::open(const std::string& target, std::string* error) {
     target_ = target;
     failure_.clear();
     end_ = 0;
+    synced_ = false;
     const std::string folder = folderOf(target);
     const std::string stem =
         folder + "/" + temporaryPrefix() + machineTag() + "-" + std::to_string(getpid()) + "-";
@@ -192,19 +208,27 @@ bool OutputFile::open(const std::string& target, std::string* error) {
             return false;
         }
         SignalHold hold;
-        const int fd =
-            ::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
-        if (fd < 0) {
-            // Something already has this name (perhaps a planted link): take another.
-            if (errno == EEXIST || errno == ELOOP) continue;
-            *error = "cannot create a file in " + folder + ": " + std::strerror(errno);
+        ++creating;
+        if (removing) {
+            --creating;
+            *error = "the program is stopping";
             return false;
         }
         const int slot = registerSlot(name);
+        const int fd = slot < 0 ? -1
+                                : ::open(name.c_str(),
+                                         O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+        const int openError = errno;
+        --creating;
         if (slot < 0) {
-            ::close(fd);
-            unlink(name.c_str());
             *error = "too many files open for writing at once";
+            return false;
+        }
+        if (fd < 0) {
+            releaseSlot(slot);
+            // Something already has this name (perhaps a planted link): take another.
+            if (openError == EEXIST || openError == ELOOP) continue;
+            *error = "cannot create a file in " + folder + ": " + std::strerror(openError);
             return false;
         }
         fd_ = fd;
@@ -231,6 +255,17 @@ bool OutputFile::writeAt(const void* data, size_t size, uint64_t offset) {
         done += static_cast<size_t>(written);
     }
     if (offset + size > end_) end_ = offset + size;
+    synced_ = false;
+    return true;
+}
+
+bool OutputFile::sync() {
+    if (fd_ < 0 || !failure_.empty()) return false;
+    if (fsync(fd_) != 0) {
+        failure_ = std::strerror(errno);
+        return false;
+    }
+    synced_ = true;
     return true;
 }
 
@@ -277,7 +312,7 @@ bool OutputFile::commit(std::string* error) {
         return false;
     }
     // A disk that runs out of space or fails may only say so at the sync or the close.
-    if (failure_.empty() && fsync(fd_) != 0) failure_ = std::strerror(errno);
+    if (failure_.empty() && !synced_ && fsync(fd_) != 0) failure_ = std::strerror(errno);
     if (::close(fd_) != 0 && failure_.empty()) failure_ = std::strerror(errno);
     fd_ = -1;
     // A device, a pipe or a socket under the target's name is never replaced
@@ -352,6 +387,12 @@ int removeStaleTemporaries(const std::string& folder, time_t before) {
 }
 
 void removeOpenTemporaries() {
+    removing = 1;
+    // The creations under way on other threads finish registering (the stop
+    // signals are held off on theirs; a crash inside one is waited for a
+    // moment only).
+    for (long spins = 0; creating > 0 && spins < kMaxSpins; ++spins) {
+    }
     for (int i = 0; i < kSlots; ++i)
         if (slotUsed[i]) unlink(slotPaths[i]);
 }

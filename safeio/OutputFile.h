@@ -18,7 +18,10 @@
 // temporary exists its path is registered, so that a signal handler can
 // remove it (removeOpenTemporaries is async-signal-safe); SIGINT, SIGTERM and
 // SIGHUP are held off while a temporary is created or renamed, so the
-// registration always matches the disk.
+// registration always matches the disk. Files may be written on several
+// threads at once (one OutputFile each): the cleanup, on whichever thread the
+// signal lands, waits for the creations under way to register and refuses
+// new ones, so it removes every temporary there is.
 #pragma once
 
 #include <sys/types.h>
@@ -58,6 +61,9 @@ class OutputFile {
     // The first write failure, empty when none.
     const std::string& failure() const { return failure_; }
 
+    // fsync now (commit then syncs only what was written after): lets files
+    // reach the disk at once while their commits must come one after another.
+    bool sync();
     // fsync, close, rename over the target. On any failure the temporary is
     // removed and *error tells why (the first write failure wins). A target
     // that exists and is neither a regular file nor a link (a device, a
@@ -74,6 +80,7 @@ class OutputFile {
     int fd_ = -1;
     int slot_ = -1;
     uint64_t end_ = 0;
+    bool synced_ = false;
     std::string target_;
     std::string temporary_;
     std::string failure_;

@@ -8,13 +8,14 @@
 # on all of them alike, and medians are reported. Arguments go to the
 # benchmark program after those defaults (a later flag wins), e.g.
 #   bash scripts/bench.sh --benchmark_filter=4096x2160 --benchmark_repetitions=3
-# Set STRAIGHTLUX_BUILD_DIR to build in another folder.
+# Set STRAIGHTLUX_BUILD_DIR to build in another folder. It then times whole
+# sequences beside ffmpeg and oiiotool (scripts/bench-sequences.sh).
 set -euo pipefail
 
 root="$(cd "$(dirname "$0")/.." && pwd)"
 
 # lensfun's pkg-config file needs glib's to be found.
-STRAIGHTLUX_SETUP_EXTRA="${STRAIGHTLUX_SETUP_EXTRA:-} libopencv-dev liblensfun-dev libglib2.0-dev" \
+STRAIGHTLUX_SETUP_EXTRA="${STRAIGHTLUX_SETUP_EXTRA:-} libopencv-dev liblensfun-dev libglib2.0-dev ffmpeg" \
   bash "$root/scripts/setup.sh"
 
 if [ -n "${STRAIGHTLUX_BUILD_DIR:-}" ]; then
@@ -37,3 +38,9 @@ fi
 echo "== running $program"
 "$program" --benchmark_repetitions=5 --benchmark_enable_random_interleaving=true \
   --benchmark_report_aggregates_only=true "$@"
+
+# Whole sequences through sparkrun beside ffmpeg and oiiotool
+# (STRAIGHTLUX_BENCH_SEQUENCES=0 leaves them out).
+if [ "${STRAIGHTLUX_BENCH_SEQUENCES:-1}" != 0 ]; then
+  bash "$root/scripts/bench-sequences.sh"
+fi

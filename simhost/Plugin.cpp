@@ -97,6 +97,8 @@ bool Plugin::load(const std::string& path, std::string* error, bool fresh) {
         copyPath_.clear();
         return false;
     }
+    processStart_ = symbol("SparkProcessStart");
+    process_ = symbol("SparkProcess");
     Host::instance().plugin = this;
     return true;
 }
@@ -152,12 +154,12 @@ int Plugin::clips() {
 }
 
 int Plugin::processStart(const SparkInfoStruct& info) {
-    auto fn = entry<ProcessStartFn>(*this, "SparkProcessStart");
+    auto fn = reinterpret_cast<ProcessStartFn>(processStart_);
     return fn ? fn(info) : 0;
 }
 
 unsigned long* Plugin::process(const SparkInfoStruct& info) {
-    auto fn = entry<ProcessFn>(*this, "SparkProcess");
+    auto fn = reinterpret_cast<ProcessFn>(process_);
     return fn ? fn(info) : nullptr;
 }
 

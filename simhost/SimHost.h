@@ -190,6 +190,9 @@ class Plugin {
   private:
     void* handle_ = nullptr;
     std::string copyPath_;
+    // The per-frame entry points, looked up once at load.
+    void* processStart_ = nullptr;
+    void* process_ = nullptr;
 };
 
 }  // namespace simhost

@@ -70,6 +70,8 @@ RunStatus parseAndRun(int argc, char** argv, time_t runStart) {
 
 int main(int argc, char** argv) {
     if (argc == 2 && std::string(argv[1]) == kReaderProcessArgument) return serveReaderRequests();
+    // Before any thread and any use of the image library: the reader as a fork.
+    startReaderEarly();
     const time_t runStart = time(nullptr);
     safeio::setTemporaryTag("sparkrun");
     installProcessSignals();
@@ -87,6 +89,7 @@ int main(int argc, char** argv) {
     } catch (...) {
         status = RunStatus::failure(ExitCode::Internal, "internal error: an unknown exception");
     }
+    endReaderProcesses();
     if (status.ok()) return 0;
     std::fprintf(stderr, "sparkrun: %s\n", status.message.c_str());
     if (status.code == ExitCode::Usage) std::fputs("(sparkrun --help shows the usage)\n", stderr);

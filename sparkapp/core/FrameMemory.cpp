@@ -24,7 +24,10 @@ const int kPluginPixelBytes = 8;   // four 16-bit channels
 const int kAddressMapBytes = 8;    // two floats
 const int kOutputSampleBytes = 4;  // float, the widest
 const int kOutputCopies = 2;       // the samples and the writer's copy
-const int kDecodedCopies = 3;      // reader process, tool, the frame it replaces
+// The host's input and output, and the frame loop's: two read ahead and the
+// one being exchanged, two being written and the one being exchanged.
+const int kHostFrames = 8;
+const int kDecodedCopies = 3;  // reader process, tool, the frame it replaces
 
 // The number after `key` in a "key value" text file, or kUnknown.
 uint64_t fieldOf(const std::string& path, const std::string& key) {
@@ -117,7 +120,7 @@ uint64_t frameMemoryNeed(const FrameShape& shape, bool withPlugin) {
                         kDecodedCopies * decoded;
     if (withPlugin) {
         const int host = shape.hostDepth == 48 ? kHostBytes12 : kHostBytes8;
-        perPixel += 2 * host + kPluginImages * kPluginPixelBytes + kAddressMapBytes +
+        perPixel += kHostFrames * host + kPluginImages * kPluginPixelBytes + kAddressMapBytes +
                     kOutputCopies * kRgb * kOutputSampleBytes;
     }
     return pixels * perPixel;

@@ -6,7 +6,8 @@
 //   reading:   the decoder's buffer in the file's own layout (every channel),
 //              the decoded RGB samples in the reader process and their copy
 //              in the tool, and the previous frame's copy while it is replaced
-//   host:      the input and output host frames (3 or 6 bytes a pixel)
+//   host:      the input and output host frames (3 or 6 bytes a pixel), and
+//              the frame loop's frames read ahead and written behind
 //   plug-in:   its input, output and scratch images (four 16-bit channels)
 //              and its address map (two floats a pixel)
 //   output:    the samples to write and the writer's converted copy, at the

@@ -24,7 +24,7 @@ const size_t kElementBits = 23;
 const size_t kElementPacking = 24;
 const size_t kElementEncoding = 26;
 const size_t kElementDataOffset = 28;
-const int kBitsPerWord = 32;
+const int kBitsPerByte = 8;
 const int kWordBytes = 4;
 
 struct Header {
@@ -100,7 +100,9 @@ uint64_t dpxDataBytes(const Header& header) {
     // Filled 10-bit words hold three samples per line; filled 12-bit one per half word.
     if (packing != 0 && bits == 10) return (samplesPerLine + 2) / 3 * kWordBytes * lines;
     if (packing != 0 && bits == 12) return samples * 2;
-    return (samples * bits + kBitsPerWord - 1) / kBitsPerWord * kWordBytes;
+    // Whole bytes, not whole words: writers (OpenImageIO's among them) end the
+    // data with the last sample's byte.
+    return (samples * bits + kBitsPerByte - 1) / kBitsPerByte;
 }
 
 std::string cutOff(uint64_t stated, uint64_t actual, const char* what) {

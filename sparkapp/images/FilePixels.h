@@ -26,6 +26,20 @@ struct FrameOrigin {
     int y = 0;
 };
 
+// A picture's samples held elsewhere (a FilePixels, the reader's shared
+// memory): the same layout, words when !isFloat, reals when isFloat.
+struct PixelView {
+    int width = 0;
+    int height = 0;
+    bool isFloat = false;
+    const uint16_t* words = nullptr;
+    const float* reals = nullptr;
+
+    size_t sampleCount() const {
+        return static_cast<size_t>(width) * static_cast<size_t>(height) * kRgbChannels;
+    }
+};
+
 struct FilePixels {
     int width = 0;
     int height = 0;
@@ -40,4 +54,10 @@ struct FilePixels {
     size_t sampleCount() const {
         return static_cast<size_t>(width) * static_cast<size_t>(height) * kRgbChannels;
     }
+    PixelView view() const;
 };
+
+inline PixelView FilePixels::view() const {
+    return PixelView{width, height, isFloat, isFloat ? nullptr : words.data(),
+                     isFloat ? reals.data() : nullptr};
+}

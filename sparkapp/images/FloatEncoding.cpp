@@ -39,12 +39,31 @@ float encodingTop(FloatEncoding encoding) {
     return encoding == FloatEncoding::Log ? kLogMaximum : 1.0f;
 }
 
-ClipCount countClipped(const FilePixels& picture, FloatEncoding encoding) {
+namespace {
+// True when every sample is a number within 0 .. top: one pass that keeps
+// nothing but the running extremes (NaN compares false and fails it).
+bool allWithin(const float* samples, size_t n, float top) {
+    float low = 0.0f, high = 0.0f;
+    bool numbers = true;
+    for (size_t i = 0; i < n; ++i) {
+        const float f = samples[i];
+        numbers = numbers & (f == f);
+        low = f < low ? f : low;
+        high = f > high ? f : high;
+    }
+    return numbers && low >= 0.0f && high <= top;
+}
+}  // namespace
+
+ClipCount countClipped(const PixelView& picture, FloatEncoding encoding) {
     ClipCount count;
     if (!picture.isFloat) return count;
     const float top = encodingTop(encoding);
+    const size_t samples = picture.sampleCount();
+    // Most frames hold nothing to clip: they are done in the one quick pass.
+    if (allWithin(picture.reals, samples, top)) return count;
     bool anyNumber = false;
-    for (size_t pixel = 0; pixel * kRgbChannels < picture.reals.size(); ++pixel) {
+    for (size_t pixel = 0; pixel * kRgbChannels < samples; ++pixel) {
         bool clipped = false;
         for (int c = 0; c < kRgbChannels; ++c) {
             const float f = picture.reals[pixel * kRgbChannels + c];
@@ -61,4 +80,8 @@ ClipCount countClipped(const FilePixels& picture, FloatEncoding encoding) {
         if (clipped) ++count.pixels;
     }
     return count;
+}
+
+ClipCount countClipped(const FilePixels& picture, FloatEncoding encoding) {
+    return countClipped(picture.view(), encoding);
 }

@@ -47,4 +47,5 @@ struct ClipCount {
 };
 
 // Counts the pixels of a float picture that an encoding clips; none for integer pictures.
+ClipCount countClipped(const PixelView& picture, FloatEncoding encoding);
 ClipCount countClipped(const FilePixels& picture, FloatEncoding encoding);

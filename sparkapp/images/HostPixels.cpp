@@ -1,27 +1,22 @@
 // Conversion between file pixels and host frame buffers.
 #include "HostPixels.h"
 
+#include <atomic>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
+
+#include "HostPixelsRows.h"
 
 namespace {
 const int kBytesPerPixel8 = 3;
 const int kBytesPerPixel12 = 6;
-const size_t kWordBytes = 2;  // one 12-bit host sample
 
 float unitClamped(float f) {
     if (std::isnan(f) || f < 0.0f) return 0.0f;
     return f > 1.0f ? 1.0f : f;
 }
 
-// The host's 16-bit words are native (little-endian) unsigned shorts.
-uint16_t loadWord(const unsigned char* p) {
-    uint16_t word;
-    std::memcpy(&word, p, sizeof word);
-    return word;
-}
-
-void storeWord(unsigned char* p, uint16_t word) { std::memcpy(p, &word, sizeof word); }
 }  // namespace
 
 int twelveFromSixteen(int v) { return (v * kFull12 + kFull16 / 2) / kFull16; }
@@ -39,33 +34,103 @@ size_t hostFrameBytes(int width, int height, int depth) {
     return pixels * (depth == kHostDepth12 ? kBytesPerPixel12 : kBytesPerPixel8);
 }
 
-void fillHostFrame(const FilePixels& picture, int depth, unsigned char* buffer,
+namespace {
+// ---- the plain row kernels ----
+void wordsToTwelve(const uint16_t* from, size_t n, uint16_t* to) {
+    for (size_t i = 0; i < n; ++i)
+        to[i] = static_cast<uint16_t>(twelveFromSixteen(from[i]) << kTwelveBitShift);
+}
+
+void floatsToTwelve(const float* from, size_t n, uint16_t* to) {
+    for (size_t i = 0; i < n; ++i)
+        to[i] = static_cast<uint16_t>(twelveFromFloat(from[i]) << kTwelveBitShift);
+}
+
+void wordsToEight(const uint16_t* from, size_t n, uint8_t* to) {
+    for (size_t i = 0; i < n; ++i) to[i] = static_cast<uint8_t>(eightFromSixteen(from[i]));
+}
+
+void floatsToEight(const float* from, size_t n, uint8_t* to) {
+    for (size_t i = 0; i < n; ++i) to[i] = static_cast<uint8_t>(eightFromFloat(from[i]));
+}
+
+// The low 4 bits of a 12-bit word carry no picture value.
+void twelveToSixteen(const uint16_t* from, size_t n, uint16_t* to) {
+    for (size_t i = 0; i < n; ++i)
+        to[i] = static_cast<uint16_t>(sixteenFromTwelve(from[i] >> kTwelveBitShift));
+}
+
+void twelveToFloats(const uint16_t* from, size_t n, float* to) {
+    for (size_t i = 0; i < n; ++i) to[i] = floatFromTwelve(from[i] >> kTwelveBitShift);
+}
+
+std::atomic<int> plainForced{0};
+
+bool processorHasAvx2() {
+#if defined(__x86_64__)
+    const char* plain = std::getenv("STRAIGHTLUX_PLAIN_CPU");
+    if (plain && *plain && std::strcmp(plain, "0") != 0) return false;
+    return __builtin_cpu_supports("avx2");
+#else
+    return false;
+#endif
+}
+
+// The host's 16-bit words are native (little-endian) unsigned shorts, at any alignment.
+uint16_t* hostWords(unsigned char* buffer) { return reinterpret_cast<uint16_t*>(buffer); }
+const uint16_t* hostWords(const unsigned char* buffer) {
+    return reinterpret_cast<const uint16_t*>(buffer);
+}
+
+// One file row (top first) into its host row, 12-bit.
+void fillRowTwelve(const PixelView& picture, size_t from, size_t n, uint16_t* to,
+                   FloatEncoding encoding) {
+    const HostRowKernels& rows = hostRows();
+    if (!picture.isFloat) {
+        rows.wordsToTwelve(picture.words + from, n, to);
+    } else if (encoding == FloatEncoding::Log) {
+        for (size_t i = 0; i < n; ++i)
+            to[i] =
+                static_cast<uint16_t>(twelveFromLog(picture.reals[from + i]) << kTwelveBitShift);
+    } else {
+        rows.floatsToTwelve(picture.reals + from, n, to);
+    }
+}
+}  // namespace
+
+const HostRowKernels& plainHostRows() {
+    static const HostRowKernels kernels = {wordsToTwelve, floatsToTwelve,  wordsToEight,
+                                           floatsToEight, twelveToSixteen, twelveToFloats};
+    return kernels;
+}
+
+const HostRowKernels& hostRows() {
+    static const bool avx2 = processorHasAvx2();
+    return avx2 && !plainForced.load(std::memory_order_relaxed) ? avx2HostRows() : plainHostRows();
+}
+
+void forcePlainHostRows(bool plain) { plainForced = plain ? 1 : 0; }
+
+void fillHostFrame(const PixelView& picture, int depth, unsigned char* buffer,
                    FloatEncoding encoding) {
     const size_t rowSamples = static_cast<size_t>(picture.width) * kRgbChannels;
-    const bool logCurve = encoding == FloatEncoding::Log;
+    const HostRowKernels& rows = hostRows();
     // File row r (top first) is host row height - 1 - r (bottom first).
     for (int r = 0; r < picture.height; ++r) {
         const size_t from = static_cast<size_t>(r) * rowSamples;
         const size_t to = static_cast<size_t>(picture.height - 1 - r) * rowSamples;
-        if (depth == kHostDepth12) {
-            for (size_t i = 0; i < rowSamples; ++i) {
-                int v;
-                if (!picture.isFloat)
-                    v = twelveFromSixteen(picture.words[from + i]);
-                else
-                    v = logCurve ? twelveFromLog(picture.reals[from + i])
-                                 : twelveFromFloat(picture.reals[from + i]);
-                storeWord(buffer + kWordBytes * (to + i),
-                          static_cast<uint16_t>(v << kTwelveBitShift));
-            }
-        } else {
-            for (size_t i = 0; i < rowSamples; ++i) {
-                const int v = picture.isFloat ? eightFromFloat(picture.reals[from + i])
-                                              : eightFromSixteen(picture.words[from + i]);
-                buffer[to + i] = static_cast<unsigned char>(v);
-            }
-        }
+        if (depth == kHostDepth12)
+            fillRowTwelve(picture, from, rowSamples, hostWords(buffer) + to, encoding);
+        else if (picture.isFloat)
+            rows.floatsToEight(picture.reals + from, rowSamples, buffer + to);
+        else
+            rows.wordsToEight(picture.words + from, rowSamples, buffer + to);
     }
+}
+
+void fillHostFrame(const FilePixels& picture, int depth, unsigned char* buffer,
+                   FloatEncoding encoding) {
+    fillHostFrame(picture.view(), depth, buffer, encoding);
 }
 
 const void* RgbSamples::data() const {
@@ -80,50 +145,83 @@ const void* RgbSamples::data() const {
     return nullptr;
 }
 
-RgbSamples readHostFrame(const unsigned char* buffer, int width, int height, int depth,
-                         SampleType type, FloatEncoding encoding) {
-    RgbSamples result;
-    result.type = type;
-    const size_t samples = static_cast<size_t>(width) * static_cast<size_t>(height) * kRgbChannels;
-    const bool deep = depth == kHostDepth12;
-    switch (type) {
+namespace {
+// One host row of a 12-bit frame into file samples.
+void readRowTwelve(const uint16_t* from, size_t n, size_t to, FloatEncoding encoding,
+                   RgbSamples* samples) {
+    const HostRowKernels& rows = hostRows();
+    switch (samples->type) {
         case SampleType::Eight:
-            result.eights.resize(samples);
+            for (size_t k = 0; k < n; ++k)
+                samples->eights[to + k] =
+                    static_cast<uint8_t>(eightFromTwelve(from[k] >> kTwelveBitShift));
             break;
         case SampleType::Sixteen:
-            result.sixteens.resize(samples);
+            rows.twelveToSixteen(from, n, samples->sixteens.data() + to);
             break;
         case SampleType::Float:
-            result.floats.resize(samples);
+            if (encoding == FloatEncoding::Log) {
+                for (size_t k = 0; k < n; ++k)
+                    samples->floats[to + k] = logFromTwelve(from[k] >> kTwelveBitShift);
+            } else {
+                rows.twelveToFloats(from, n, samples->floats.data() + to);
+            }
             break;
     }
+}
+
+// One host row of an 8-bit frame into file samples.
+void readRowEight(const unsigned char* from, size_t n, size_t to, RgbSamples* samples) {
+    switch (samples->type) {
+        case SampleType::Eight:
+            std::memcpy(samples->eights.data() + to, from, n);
+            break;
+        case SampleType::Sixteen:
+            for (size_t k = 0; k < n; ++k)
+                samples->sixteens[to + k] = static_cast<uint16_t>(sixteenFromEight(from[k]));
+            break;
+        case SampleType::Float:
+            for (size_t k = 0; k < n; ++k) samples->floats[to + k] = floatFromEight(from[k]);
+            break;
+    }
+}
+}  // namespace
+
+void readHostFrame(const unsigned char* buffer, int width, int height, int depth, SampleType type,
+                   FloatEncoding encoding, RgbSamples* into) {
+    into->type = type;
+    const size_t samples = static_cast<size_t>(width) * static_cast<size_t>(height) * kRgbChannels;
+    // resize keeps the capacity: a writer that reuses its samples allocates nothing per frame.
+    if (type == SampleType::Eight) into->eights.resize(samples);
+    if (type == SampleType::Sixteen) into->sixteens.resize(samples);
+    if (type == SampleType::Float) into->floats.resize(samples);
     const size_t rowSamples = static_cast<size_t>(width) * kRgbChannels;
     // Host row j (bottom first) is file row height - 1 - j (top first).
     for (int j = 0; j < height; ++j) {
         const size_t from = static_cast<size_t>(j) * rowSamples;
         const size_t to = static_cast<size_t>(height - 1 - j) * rowSamples;
-        for (size_t k = 0; k < rowSamples; ++k) {
-            const size_t i = to + k;
-            // The low 4 bits of a 12-bit word carry no picture value.
-            const int v = deep ? loadWord(buffer + kWordBytes * (from + k)) >> kTwelveBitShift
-                               : buffer[from + k];
-            switch (type) {
-                case SampleType::Eight:
-                    result.eights[i] = static_cast<uint8_t>(deep ? eightFromTwelve(v) : v);
-                    break;
-                case SampleType::Sixteen:
-                    result.sixteens[i] =
-                        static_cast<uint16_t>(deep ? sixteenFromTwelve(v) : sixteenFromEight(v));
-                    break;
-                case SampleType::Float:
-                    if (!deep)
-                        result.floats[i] = floatFromEight(v);
-                    else
-                        result.floats[i] =
-                            encoding == FloatEncoding::Log ? logFromTwelve(v) : floatFromTwelve(v);
-                    break;
-            }
-        }
+        if (depth == kHostDepth12)
+            readRowTwelve(hostWords(buffer) + from, rowSamples, to, encoding, into);
+        else
+            readRowEight(buffer + from, rowSamples, to, into);
     }
+}
+
+void readHostRowSixteen(const unsigned char* buffer, int width, int height, int depth, int row,
+                        uint16_t* to) {
+    const size_t rowSamples = static_cast<size_t>(width) * kRgbChannels;
+    const size_t from = static_cast<size_t>(height - 1 - row) * rowSamples;
+    if (depth == kHostDepth12) {
+        hostRows().twelveToSixteen(hostWords(buffer) + from, rowSamples, to);
+        return;
+    }
+    for (size_t k = 0; k < rowSamples; ++k)
+        to[k] = static_cast<uint16_t>(sixteenFromEight(buffer[from + k]));
+}
+
+RgbSamples readHostFrame(const unsigned char* buffer, int width, int height, int depth,
+                         SampleType type, FloatEncoding encoding) {
+    RgbSamples result;
+    readHostFrame(buffer, width, height, depth, type, encoding, &result);
     return result;
 }

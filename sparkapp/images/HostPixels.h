@@ -19,6 +19,8 @@
 //   12-bit v -> float   v / 4095;  8-bit v -> float  v / 255
 // Float samples may instead go through the log curve of FloatEncoding.h
 // (12-bit frames only).
+// The row loops have AVX2 forms that give the same bytes (HostPixelsRows.h).
+// Host buffers must be aligned for 16-bit words.
 // A 16-bit file therefore comes back within half a 12-bit step (about 8 of
 // 65535) after a 12-bit round trip; an 8-bit file comes back exactly.
 #pragma once
@@ -46,11 +48,17 @@ float floatFromTwelve(int v);
 int eightFromFloat(float f);
 float floatFromEight(int v);
 
+// The storage of a host frame, word-aligned as the host's buffers are
+// (simhost::FrameBuffer): hostFrameBytes rounded up to whole words.
+using HostFrame = std::vector<unsigned long>;
+
 // Bytes of one frame at a host depth (24 or 48).
 size_t hostFrameBytes(int width, int height, int depth);
 
 // Writes the picture into a host buffer of the same size at depth 24 or 48,
 // its top row last.
+void fillHostFrame(const PixelView& picture, int depth, unsigned char* buffer,
+                   FloatEncoding encoding = FloatEncoding::Linear);
 void fillHostFrame(const FilePixels& picture, int depth, unsigned char* buffer,
                    FloatEncoding encoding = FloatEncoding::Linear);
 
@@ -69,3 +77,10 @@ struct RgbSamples {
 // The host buffer's rows, top row (the buffer's last) first.
 RgbSamples readHostFrame(const unsigned char* buffer, int width, int height, int depth,
                          SampleType type, FloatEncoding encoding = FloatEncoding::Linear);
+// File row `row` (top first) of a host frame as 16-bit samples, as
+// readHostFrame gives them for SampleType::Sixteen.
+void readHostRowSixteen(const unsigned char* buffer, int width, int height, int depth, int row,
+                        uint16_t* to);
+// The same into *into, whose vectors keep their room from one frame to the next.
+void readHostFrame(const unsigned char* buffer, int width, int height, int depth, SampleType type,
+                   FloatEncoding encoding, RgbSamples* into);

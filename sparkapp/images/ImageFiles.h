@@ -27,10 +27,15 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "FilePixels.h"
 #include "HostPixels.h"
+
+namespace safeio {
+class OutputFile;
+}
 #include "RunStatus.h"
 
 const int kMaxFrameSide = 32768;
@@ -57,13 +62,23 @@ RunStatus readImage(const std::string& path, const ReadRequest& request, FilePix
 // checked against the memory available.
 RunStatus readImage(const std::string& path, int requestedDepth, FilePixels* picture, int* depth);
 
-// The decode itself, in this process: what the reader process runs.
+// The decode itself, in this process (what the reader process runs), into
+// memory the caller places: place(bytes) gives room for the picture's
+// samples (null when there is none); *picture gets the facts only.
+using SamplePlace = std::function<void*(size_t bytes)>;
+RunStatus decodeImageInto(const std::string& path, const ReadRequest& request, FilePixels* picture,
+                          int* depth, const SamplePlace& place);
+// The same into the picture's own samples, in this process: for programs
+// that read a few pictures of their own (a decoder's abort ends them).
 RunStatus decodeImage(const std::string& path, const ReadRequest& request, FilePixels* picture,
                       int* depth);
 
 // Sets up OpenImageIO for this tool: everything on the calling thread, so
 // that pictures come out the same whatever the machine.
 void configureImageLibrary();
+// For the reader process: decoders may use the image library's threads (a
+// decoded picture does not depend on them).
+void configureReaderLibrary();
 
 // Checks before any work that path can be written: its folder exists and is
 // writable and OpenImageIO has a writer for its extension.
@@ -77,7 +92,14 @@ SampleType outputSampleType(const std::string& path, int hostDepth);
 // Writes an RGB picture of width x height whose samples are in result. A
 // non-empty dateTime is stored as the picture's date (formats that stamp
 // one otherwise stamp the time of writing). The picture is the display
-// window and the data window, both at origin (formats that keep neither
+// window and the data window too, both at origin (formats that keep neither
 // keep the pixels alone).
 RunStatus writeImage(const std::string& path, int width, int height, const RgbSamples& result,
                      const std::string& dateTime = "", FrameOrigin origin = {});
+// The writing alone, into file, which the caller opened for path and commits
+// (the frame loop commits its frames in order); on a failure the file is
+// discarded. threads: the writer's own threads (the bytes do not depend on
+// them); DPX of the plates' layouts skips the library (DpxFastPath.h).
+RunStatus encodeImage(const std::string& path, int width, int height, const RgbSamples& result,
+                      const std::string& dateTime, safeio::OutputFile& file, int threads,
+                      FrameOrigin origin = {});

@@ -13,6 +13,7 @@
 #include <memory>
 #include <vector>
 
+#include "DpxFastPath.h"
 #include "FileHeaders.h"
 #include "FrameMemory.h"
 #include "ImageFiles.h"
@@ -48,8 +49,7 @@ std::string modificationTime(const std::string& path) {
 
 // Expands 1 (grey) or 3 read channels into RGB in place.
 template <class T>
-void expandGrey(std::vector<T>& samples, size_t pixels) {
-    samples.resize(pixels * kRgbChannels);
+void expandGrey(T* samples, size_t pixels) {
     for (size_t i = pixels; i-- > 0;) {
         const T grey = samples[i];
         for (int c = 0; c < kRgbChannels; ++c) samples[i * kRgbChannels + c] = grey;
@@ -79,7 +79,8 @@ RunStatus openImage(const std::string& path, OpenedImage* image) {
     OIIO::ImageSpec config;
     config.attribute("oiio:UnassociatedAlpha", 1);
     image->input = OIIO::ImageInput::create(path, false, &config);
-    if (image->input) image->input->threads(1);
+    // 0: the library's own setting (configureImageLibrary, configureReaderLibrary).
+    if (image->input) image->input->threads(0);
     if (!image->input || !image->input->open(path, image->header, config))
         return inputFailure("cannot read input " + path + ": " +
                             (image->input ? image->input->geterror() : oiioError()));
@@ -164,9 +165,9 @@ RunStatus checkFrameHeader(const std::string& path, const OIIO::ImageSpec& heade
 // The frame's samples from the data window's: rows and columns outside the
 // frame are left out, the frame's pixels without data are 0 (black).
 template <class T>
-std::vector<T> cutToFrame(const std::vector<T>& data, const OIIO::ImageSpec& header,
-                          const FrameWindow& frame, int channels) {
-    std::vector<T> samples(static_cast<size_t>(frame.width) * frame.height * channels, T(0));
+void cutToFrame(const std::vector<T>& data, const OIIO::ImageSpec& header, const FrameWindow& frame,
+                int channels, T* samples) {
+    std::fill_n(samples, static_cast<size_t>(frame.width) * frame.height * channels, T(0));
     const int left = std::max(frame.x, header.x);
     const int right = std::min(frame.x + frame.width, header.x + header.width);
     for (int y = std::max(frame.y, header.y);
@@ -176,45 +177,41 @@ std::vector<T> cutToFrame(const std::vector<T>& data, const OIIO::ImageSpec& hea
         const size_t to =
             (static_cast<size_t>(y - frame.y) * frame.width + (left - frame.x)) * channels;
         std::copy_n(data.begin() + from, static_cast<size_t>(right - left) * channels,
-                    samples.begin() + to);
+                    samples + to);
     }
-    return samples;
 }
 
-// The frame's samples in the given type: the data window decoded, and cut
-// to the frame when the two differ.
+// The frame's samples in the given type into their place: the data window
+// decoded there directly, or decoded aside and cut to the frame when the two
+// windows differ.
 template <class T>
 bool readFrame(OIIO::ImageInput& in, const OIIO::ImageSpec& header, int channels,
-               OIIO::TypeDesc type, std::vector<T>* samples) {
+               OIIO::TypeDesc type, T* into) {
     const FrameWindow frame = displayWindow(header);
-    const size_t data = static_cast<size_t>(header.width) * static_cast<size_t>(header.height);
-    if (coversDataWindow(frame, header)) {
-        samples->resize(data * channels);
-        return in.read_image(0, 0, 0, channels, type, samples->data());
-    }
-    std::vector<T> decoded(data * channels);
+    if (coversDataWindow(frame, header)) return in.read_image(0, 0, 0, channels, type, into);
+    std::vector<T> decoded(static_cast<size_t>(header.width) * header.height * channels);
     if (!in.read_image(0, 0, 0, channels, type, decoded.data())) return false;
-    *samples = cutToFrame(decoded, header, frame, channels);
+    cutToFrame(decoded, header, frame, channels, into);
     return true;
 }
 
 // Decoding: grey (with or without alpha) reads one channel and becomes RGB;
-// colour reads the first three. A decoder that met a premature end or a bad
-// strip may still say it read the picture; anything it reported means the
-// frame is not whole.
-RunStatus decodePixels(const std::string& path, OpenedImage& image, FilePixels* read) {
+// colour reads the first three, in one call for the whole picture, straight
+// into the samples' place. A decoder that met a premature end or a bad strip
+// may still say it read the picture; anything it reported means the frame is
+// not whole.
+RunStatus decodePixels(const std::string& path, OpenedImage& image, const FilePixels& read,
+                       void* into) {
     const OIIO::ImageSpec& header = image.header;
     const int channels = header.nchannels >= kRgbChannels ? kRgbChannels : 1;
-    const size_t pixels = static_cast<size_t>(read->width) * static_cast<size_t>(read->height);
+    const size_t pixels = static_cast<size_t>(read.width) * static_cast<size_t>(read.height);
     OIIO::ImageInput& in = *image.input;
-    bool fine;
-    if (read->isFloat) {
-        fine = readFrame(in, header, channels, OIIO::TypeDesc::FLOAT, &read->reals);
-        if (fine && channels == 1) expandGrey(read->reals, pixels);
-    } else {
-        fine = readFrame(in, header, channels, OIIO::TypeDesc::UINT16, &read->words);
-        if (fine && channels == 1) expandGrey(read->words, pixels);
-    }
+    auto* reals = static_cast<float*>(into);
+    auto* words = static_cast<uint16_t*>(into);
+    bool fine = read.isFloat ? readFrame(in, header, channels, OIIO::TypeDesc::FLOAT, reals)
+                             : readFrame(in, header, channels, OIIO::TypeDesc::UINT16, words);
+    if (fine && channels == 1 && read.isFloat) expandGrey(reals, pixels);
+    if (fine && channels == 1 && !read.isFloat) expandGrey(words, pixels);
     fine = fine && !in.has_error();
     fine = in.close() && fine && !in.has_error();
     if (fine) return RunStatus::success();
@@ -222,10 +219,26 @@ RunStatus decodePixels(const std::string& path, OpenedImage& image, FilePixels* 
     if (text.empty()) text = oiioError();
     return inputFailure("cannot read pixels of " + path + ": " + text);
 }
+
+// DPX files of the layouts plates come in skip OpenImageIO's codec
+// (DpxFastPath.h); the header facts are still OpenImageIO's.
+bool decodeDpxFast(const std::string& path, OpenedImage& image, const FilePixels& read, void* into,
+                   RunStatus* status) {
+    DpxLayout layout;
+    if (read.isFloat || std::strcmp(image.input->format_name(), "dpx") != 0 ||
+        !dpxFastLayout(path, &layout) || layout.width != read.width || layout.height != read.height)
+        return false;
+    image.input->close();
+    std::string error;
+    *status = readDpxFast(path, layout, static_cast<uint16_t*>(into), &error)
+                  ? RunStatus::success()
+                  : inputFailure("cannot read pixels of " + path + ": " + error);
+    return true;
+}
 }  // namespace
 
-RunStatus decodeImage(const std::string& path, const ReadRequest& request, FilePixels* picture,
-                      int* depth) {
+RunStatus decodeImageInto(const std::string& path, const ReadRequest& request, FilePixels* picture,
+                          int* depth, const SamplePlace& place) {
     OpenedImage image;
     RunStatus status = openImage(path, &image);
     if (!status.ok()) return status;
@@ -246,17 +259,49 @@ RunStatus decodeImage(const std::string& path, const ReadRequest& request, FileP
     read.pixelAspect = header.get_float_attribute("PixelAspectRatio", 1.0f);
     read.dateTime = header.get_string_attribute("DateTime");
     if (read.dateTime.empty()) read.dateTime = modificationTime(path);
-    status = decodePixels(path, image, &read);
+    void* into = place(read.sampleCount() * (isFloat ? sizeof(float) : sizeof(uint16_t)));
+    if (!into) return RunStatus::failure(ExitCode::Memory, "out of memory while decoding " + path);
+    if (!decodeDpxFast(path, image, read, into, &status))
+        status = decodePixels(path, image, read, into);
     if (!status.ok()) return status;
     *picture = std::move(read);
     *depth = useDepth;
     return RunStatus::success();
 }
 
+RunStatus decodeImage(const std::string& path, const ReadRequest& request, FilePixels* picture,
+                      int* depth) {
+    std::vector<unsigned char> samples;
+    RunStatus status =
+        decodeImageInto(path, request, picture, depth, [&samples](size_t bytes) -> void* {
+            samples.resize(bytes);
+            return samples.data();
+        });
+    if (!status.ok()) return status;
+    const size_t count = picture->sampleCount();
+    if (picture->isFloat) {
+        picture->reals.resize(count);
+        std::memcpy(picture->reals.data(), samples.data(), count * sizeof(float));
+    } else {
+        picture->words.resize(count);
+        std::memcpy(picture->words.data(), samples.data(), count * sizeof(uint16_t));
+    }
+    return status;
+}
+
 void configureImageLibrary() {
     OIIO::attribute("threads", 1);
     // -1: OpenEXR runs on the calling thread, with no pool of its own.
     OIIO::attribute("exr_threads", -1);
+}
+
+void configureReaderLibrary() {
+    // 0: as many threads as processors.
+    OIIO::attribute("threads", 0);
+    OIIO::attribute("exr_threads", 0);
+    // The library's catalogue of formats is made now, while the tool is
+    // still starting, rather than at the first read.
+    OIIO::ImageInput::create("catalogue.dpx");
 }
 
 RunStatus readImage(const std::string& path, const ReadRequest& request, FilePixels* picture,

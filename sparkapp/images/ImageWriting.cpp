@@ -4,10 +4,12 @@
 #include <OutputFile.h>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <set>
 #include <vector>
 
+#include "DpxFastPath.h"
 #include "ImageFiles.h"
 #include "OutputFileProxy.h"
 #include "OutputPaths.h"
@@ -118,12 +120,21 @@ bool readsBack(const std::string& path, int width, int height, std::string* erro
 }
 }  // namespace
 
-RunStatus writeImage(const std::string& path, int width, int height, const RgbSamples& result,
-                     const std::string& dateTime, FrameOrigin origin) {
+RunStatus encodeImage(const std::string& path, int width, int height, const RgbSamples& result,
+                      const std::string& dateTime, safeio::OutputFile& file, int threads,
+                      FrameOrigin origin) {
     std::unique_ptr<OIIO::ImageOutput> out;
-    RunStatus status = writerFor(path, &out);
-    if (!status.ok()) return status;
-    out->threads(1);
+    const RunStatus writer = writerFor(path, &out);
+    if (!writer.ok()) return writer;
+    // DPX stores the file's own name, not the temporary's.
+    if (std::strcmp(out->format_name(), "dpx") == 0 &&
+        writeDpxFast(baseOf(path), width, height, result, dateTime, file)) {
+        const std::string failure = file.failure();
+        if (failure.empty()) return RunStatus::success();
+        file.discard();
+        return outputFailure("cannot write " + path + ": " + failure);
+    }
+    out->threads(threads);
     OIIO::TypeDesc type = OIIO::TypeDesc::UINT8;
     if (result.type == SampleType::Sixteen) type = OIIO::TypeDesc::UINT16;
     if (result.type == SampleType::Float) type = OIIO::TypeDesc::FLOAT;
@@ -135,9 +146,7 @@ RunStatus writeImage(const std::string& path, int width, int height, const RgbSa
     if (namedFormats().count(out->format_name()))
         header.attribute("ImageDescription", baseOf(path).substr(0, kMaxImageName));
 
-    safeio::OutputFile file;
     std::string reason;
-    if (!file.open(path, &reason)) return outputFailure("cannot write " + path + ": " + reason);
     bool proxied;
     bool fine;
     {
@@ -168,6 +177,19 @@ RunStatus writeImage(const std::string& path, int width, int height, const RgbSa
         return outputFailure("cannot write " + path + ": " +
                              (reason.empty() ? std::string("the writer failed") : reason));
     }
+    return RunStatus::success();
+}
+
+RunStatus writeImage(const std::string& path, int width, int height, const RgbSamples& result,
+                     const std::string& dateTime, FrameOrigin origin) {
+    safeio::OutputFile file;
+    std::string reason;
+    std::unique_ptr<OIIO::ImageOutput> writer;
+    const RunStatus known = writerFor(path, &writer);
+    if (!known.ok()) return known;
+    if (!file.open(path, &reason)) return outputFailure("cannot write " + path + ": " + reason);
+    const RunStatus status = encodeImage(path, width, height, result, dateTime, file, 1, origin);
+    if (!status.ok()) return status;
     if (!file.commit(&reason)) return outputFailure("cannot write " + path + ": " + reason);
     return RunStatus::success();
 }

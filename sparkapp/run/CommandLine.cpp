@@ -172,6 +172,9 @@ void addSessionOptions(CLI::App& app, RunOptions& options) {
     addFlag(app, "--autofind", [&options] { options.autoFind = true; });
     addFlag(app, "--verbose", [&options] { options.verbose = true; });
     addFlag(app, "--quiet", [&options] { options.quiet = true; });
+    addFlag(app, "--progress", [&options] { options.progress = 1; });
+    addFlag(app, "--no-progress", [&options] { options.progress = 0; });
+    addFlag(app, "--sequential", [&options] { options.sequential = true; });
     addValue(app, "--depth", [&options](const std::string& value) {
         int bits = 0;
         if (!parseInt(value, &bits) || (bits != 8 && bits != 12))

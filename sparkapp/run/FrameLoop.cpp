@@ -1,10 +1,14 @@
 // The frame loop.
 #include "FrameLoop.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <memory>
 
 #include "ControlAssignments.h"
+#include "DpxFastPath.h"
+#include "FrameInputs.h"
 #include "FrameMemory.h"
 #include "FramePlan.h"
 #include "ImageFiles.h"
@@ -125,36 +129,122 @@ RunStatus renderFrame(const RunOptions& options, const FramePlan& plan, unsigned
     return status;
 }
 
-RunStatus renderFrames(const RunOptions& options, const FramePlan& plan, SparkSession& session,
-                       FirstFrame& first) {
+// The plain loop: read, process, write, then the next frame.
+RunStatus renderSequentially(const RunOptions& options, const FramePlan& plan,
+                             SparkSession& session, FirstFrame& first, FrameLoopWatch* watch) {
     RunStatus status;
-    ProgressBar progress(static_cast<int>(plan.frames.size()));
+    ProgressBar progress(static_cast<int>(plan.frames.size()), options.progress);
+    const bool firstIsFloat = first.picture.isFloat;
     for (size_t i = 0; status.ok() && i < plan.frames.size(); ++i) {
         const unsigned frame = plan.frames[i];
+        if (watch && watch->stopAsked && watch->stopAsked()) {
+            watch->stopped = true;
+            break;
+        }
         // A still input is read once and stands for every frame.
         if (i > 0 && plan.input.isSequence()) {
             int frameDepth = 0;
-            status = readImage(plan.input.fileFor(frame), first.next, &first.picture, &frameDepth);
+            const std::string name = plan.input.fileFor(frame);
+            status = readImage(name, first.next, &first.picture, &frameDepth);
+            if (status.ok())
+                status = checkFrameKind(options.floatEncoding, firstIsFloat, first.picture.isFloat,
+                                        name);
             if (!status.ok()) break;
         }
         status = renderFrame(options, plan, frame, session, first.picture, first.depth);
         if (status.ok()) progress.advance(static_cast<int>(i + 1), frame);
+        if (status.ok() && watch && watch->written)
+            watch->written(
+                FrameWritten{i + 1, plan.frames.size(), frame, plan.output.fileFor(frame)});
     }
     progress.finish();
     return status;
 }
+
+const int kReadLanes = 1;  // reader processes: one decodes ahead fast enough
+const int kReadAhead = 2;  // frames decoded and waiting (N+1, N+2)
+const int kWriters = 2;    // frames encoded and written at once
+
+OutputSettings outputSettings(const RunOptions& options, const FramePlan& plan,
+                              const SparkSession& session, FrameLoopWatch* watch) {
+    OutputSettings settings;
+    settings.width = session.width();
+    settings.height = session.height();
+    settings.depth = session.depth();
+    settings.encoding = options.floatEncoding;
+    const std::string first = plan.output.fileFor(plan.frames.front());
+    settings.type = outputSampleType(first, session.depth());
+    settings.dpx = writesDpx(first);
+    settings.total = plan.frames.size();
+    settings.verbose = options.verbose;
+    settings.progress = options.progress;
+    if (watch) settings.written = watch->written;
+    return settings;
+}
+
+// The reading ahead starts as soon as the first frame is known, while the
+// plug-in is loaded and started.
+std::unique_ptr<FrameInputs> startReadingAhead(const RunOptions& options, const FramePlan& plan,
+                                               const FirstFrame& first) {
+    FrameSource source;
+    source.plan = &plan;
+    source.first = &first.picture;
+    source.next = first.next;
+    source.depth = first.depth;
+    source.encoding = options.floatEncoding;
+    const size_t words = (hostFrameBytes(first.picture.width, first.picture.height, first.depth) +
+                          sizeof(unsigned long) - 1) /
+                         sizeof(unsigned long);
+    return std::make_unique<FrameInputs>(source, std::max<size_t>(words, 1), kReadLanes,
+                                         kReadAhead);
+}
+
+// The pipeline: frames read ahead, processed here in order, written behind.
+RunStatus renderPipelined(const RunOptions& options, const FramePlan& plan, SparkSession& session,
+                          FrameInputs& inputs, FrameLoopWatch* watch) {
+    HostFrame input = session.newHostFrame();
+    HostFrame result = session.newHostFrame();
+    FrameOutputs outputs(outputSettings(options, plan, session, watch), result.size(), kWriters);
+    const unsigned total = static_cast<unsigned>(plan.frames.size());
+    RunStatus status;
+    for (size_t i = 0; i < plan.frames.size() && !outputs.failed(); ++i) {
+        if (watch && watch->stopAsked && watch->stopAsked()) {
+            watch->stopped = true;
+            break;
+        }
+        const unsigned frame = plan.frames[i];
+        TakenFrame taken;
+        status = inputs.take(i, &input, &taken);
+        if (!status.ok()) break;
+        reportClipped(taken.clipped, options.floatEncoding, plan.input.fileFor(frame));
+        std::string animated;
+        status = session.processFilled(frame, total, &input, &result, &animated);
+        if (!status.ok()) break;
+        outputs.submit(i, frame, plan.output.fileFor(frame), taken.dateTime, taken.origin, animated,
+                       &result);
+        outputs.report();
+    }
+    // The frames before a failure here are written; a failed write before it is the one to tell.
+    const RunStatus written = outputs.finish();
+    return written.ok() ? status : written;
+}
 }  // namespace
 
-RunStatus runFrames(const RunOptions& options, const std::string& pluginPath) {
+RunStatus runFrames(const RunOptions& options, const std::string& pluginPath,
+                    FrameLoopWatch* watch) {
     FramePlan plan;
     RunStatus status = planFrames(options, &plan);
     if (!status.ok()) return status;
     FirstFrame first;
     status = readFirstFrame(options, plan, &first);
     if (!status.ok()) return status;
+    std::unique_ptr<FrameInputs> inputs;
+    if (!options.sequential) inputs = startReadingAhead(options, plan, first);
     SparkSession session(options.quiet, options.processors);
     status = startSession(options, pluginPath, plan, first, session);
-    if (status.ok()) status = renderFrames(options, plan, session, first);
+    if (status.ok())
+        status = inputs ? renderPipelined(options, plan, session, *inputs, watch)
+                        : renderSequentially(options, plan, session, first, watch);
     const RunStatus finished = session.finish(status.ok() ? options.saveSetupPath : "");
     return status.ok() ? finished : status;
 }

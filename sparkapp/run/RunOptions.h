@@ -47,7 +47,9 @@ struct RunOptions {
     FloatEncoding floatEncoding = FloatEncoding::Linear;
     bool verbose = false;
     bool quiet = false;
-    int sizeWidth = 0;  // --size: a frame without a picture (chart, ST-map, lens); 0: none
+    int progress = -1;        // --progress 1, --no-progress 0; -1: when stderr is a terminal
+    bool sequential = false;  // --sequential: one frame after another, nothing ahead
+    int sizeWidth = 0;        // --size: a frame without a picture (chart, ST-map, lens); 0: none
     int sizeHeight = 0;
     double marginPercent = 10.0;
     // The interactive viewer's command line: at most one INPUT (an image or a

@@ -55,6 +55,11 @@ options:
                          12-bit host; within 0.1% of value + 1/64)
   --max-memory SIZE      memory a frame may need (512M, 8G, ...); default: what
                          the machine has free. A larger frame is refused (exit 3)
+  --progress, --no-progress
+                         show (or not) a progress line with frames per second
+                         and the time left (default: when stderr is a terminal)
+  --sequential           read, process and write one frame after another instead
+                         of reading ahead and writing behind (same files, slower)
   --verbose              report each frame, its animated values and the peak memory
   --quiet                drop the plug-in's console output and messages (a crash
                          or a sanitizer report still shows)
@@ -95,15 +100,25 @@ utilities:
                          rejected (outliers, too curved, blurred, textured,
                          clustered)
 
-                         centre, two points or more a line; at most 1000 lines
-                         and 10000 points
-  --lines auto           find the straight lines in the input (as --detect-lines)
-                         and draw those; with --autofind: detect, draw and fit
-  --detect-frames LIST   frames searched for lines, pooled: 1001,1050,1090-1100
-                         (default: up to 5 spread over the run's frames)
+exit codes: 0 done; 2 usage (bad option, control name or value; an output
+that is also an input or another output; a sequence mixing floating-point and
+whole-number frames; a lines file that is not valid JSON or has the wrong
+shape, a line of fewer than two points, a point outside the frame; AutoFind
+without lines, or with no line of three points or more, or on lines that do
+not constrain its fit (it would leave a control's range)); 3 input (missing,
+unreadable, damaged or cut-off image, set-up or lines file, a lines file that
+is a pipe or a device, a frame too large or needing more memory than allowed,
+no chart grid found by --trace-chart, no usable line found by --detect-lines
+or --lines auto; a calibration or lensfun profile that is missing,
+incomplete, not finite, of another frame shape or outside the controls'
+ranges); 4 output (missing folder, name too long, unsupported format, an
+output name that is a device or a pipe, write failure such as a full disk,
+--overlay without OpenGL off-screen drawing (libOSMesa) or of a frame above
+16384 pixels a side); 5 plug-in (not a plug-in,
 declined to start, lacks the viewer entry points or controls --lines,
 --autofind or --overlay need); 6 processing (no frame returned); 7 out of
-memory while working, in the tool or in the plug-in; 8 internal error; 129, 130, 143 stopped by SIGHUP,
+memory while working, in the tool or in the plug-in; 8 internal error; 129,
+130, 143 stopped by SIGHUP,
 SIGINT, SIGTERM (the file being written is removed); a crash prints a line
 and ends by its signal (128 + N, e.g. 139)
 )";

@@ -1,6 +1,7 @@
 // Driving a plug-in through the simulated host.
 #include "SparkSession.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <vector>
@@ -141,6 +142,15 @@ RunStatus SparkSession::process(unsigned frame, unsigned totalFrames, const File
     fillHostFrame(picture, depth_, host.setBuffer(kInputBufferId, width_, height_, depth_).bytes(),
                   floatEncoding_);
     host.setBuffer(kOutputBufferId, width_, height_, depth_);
+    int returnedId = 0;
+    const RunStatus status = runPlugin(frame, totalFrames, animated, &returnedId);
+    if (status.ok()) *result = host.buffers[returnedId].bytes();
+    return status;
+}
+
+RunStatus SparkSession::runPlugin(unsigned frame, unsigned totalFrames, std::string* animated,
+                                  int* returnedId) {
+    simhost::Host& host = simhost::Host::instance();
     keepUnkeyedValues();
     *animated = controls_->applyCurves(host, frame);
 
@@ -166,13 +176,38 @@ RunStatus SparkSession::process(unsigned frame, unsigned totalFrames, const File
         simhost::FrameBuffer& buffer = host.buffers[id];
         if (returned == buffer.storage.data() && buffer.width == width_ &&
             buffer.height == height_ && buffer.depth == depth_) {
-            *result = buffer.bytes();
+            *returnedId = id;
             return RunStatus::success();
         }
     }
     return RunStatus::failure(ExitCode::Processing,
                               "the plug-in returned a buffer the host did not hand out for frame " +
                                   std::to_string(frame));
+}
+
+HostFrame SparkSession::newHostFrame() const {
+    simhost::FrameBuffer frame;
+    frame.resize(width_, height_, depth_);
+    return std::move(frame.storage);
+}
+
+RunStatus SparkSession::processFilled(unsigned frame, unsigned totalFrames, HostFrame* input,
+                                      HostFrame* result, std::string* animated) {
+    simhost::Host& host = simhost::Host::instance();
+    simhost::FrameBuffer& in = host.buffers[kInputBufferId];
+    simhost::FrameBuffer& out = host.buffers[kOutputBufferId];
+    if (in.storage.size() != input->size() || out.storage.size() != result->size())
+        return RunStatus::failure(ExitCode::Internal, "a host frame of the wrong size");
+    in.storage.swap(*input);
+    int returnedId = 0;
+    const RunStatus status = runPlugin(frame, totalFrames, animated, &returnedId);
+    if (!status.ok()) return status;
+    // A plug-in that hands back its input keeps it for the next frame's exchange: copied.
+    if (returnedId == kInputBufferId)
+        std::copy(in.storage.begin(), in.storage.end(), result->begin());
+    else
+        out.storage.swap(*result);
+    return status;
 }
 
 void SparkSession::keepUnkeyedValues() {

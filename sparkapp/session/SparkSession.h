@@ -35,6 +35,7 @@
 #include "ControlNames.h"
 #include "FilePixels.h"
 #include "FloatEncoding.h"
+#include "HostPixels.h"
 #include "RunStatus.h"
 
 class SparkSession {
@@ -56,6 +57,18 @@ class SparkSession {
     // host layout at the session's size and depth, valid until the next call.
     RunStatus process(unsigned frame, unsigned totalFrames, const FilePixels& picture,
                       const unsigned char** result, std::string* animated);
+
+    // For the pipelined frame loop, which fills host frames on other threads:
+    // a host frame's storage at the session's size and depth (made once per
+    // buffer, never per frame).
+    HostFrame newHostFrame() const;
+    // Runs one frame whose input is already in *input (a filled host frame):
+    // it is exchanged with the host's input buffer (so *input then holds the
+    // previous one, free to fill again), the plug-in runs, and the frame it
+    // returned is exchanged into *result, whose free storage the host keeps
+    // for the next frame. Nothing is allocated or cleared.
+    RunStatus processFilled(unsigned frame, unsigned totalFrames, HostFrame* input,
+                            HostFrame* result, std::string* animated);
 
     // Keeps each keyed control's value as it is now, for the set-up saved at
     // the end (process does this at the first frame; a run that applies the
@@ -79,6 +92,10 @@ class SparkSession {
     int depth() const { return depth_; }
 
   private:
+    // SparkProcessStart and SparkProcess on the buffers as they are; the
+    // answer checked to be one of them (kOutputBufferId or kInputBufferId).
+    RunStatus runPlugin(unsigned frame, unsigned totalFrames, std::string* animated,
+                        int* returnedId);
     SparkInfoStruct infoFor(unsigned frame, unsigned totalFrames, const std::string& name) const;
 
     bool quiet_;

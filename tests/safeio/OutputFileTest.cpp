@@ -4,12 +4,17 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <thread>
+#include <vector>
 
 namespace fs = std::filesystem;
 using safeio::OutputFile;
@@ -89,6 +94,43 @@ TEST_F(OutputFileTest, AFailedWriteIsRefusedAtCommitAndLeavesTheOldFile) {
     EXPECT_EQ(error, "File too large");
     EXPECT_EQ(slurp(path("lens.setup")), "the old set-up");
     EXPECT_EQ(names(), std::vector<std::string>{"lens.setup"});
+}
+
+TEST_F(OutputFileTest, AStopWhileManyThreadsWriteLeavesNoTemporary) {
+    // As a signal handler does, in a child of its own (the cleanup ends a
+    // process): eight threads open, write, sync and commit files as fast as
+    // they can while the cleanup runs on the main thread, and the process
+    // ends at once. Whatever was renamed is whole; no temporary is left.
+    const int kThreads = 8;
+    for (int attempt = 0; attempt < 20; ++attempt) {
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            std::vector<std::thread> threads;
+            for (int t = 0; t < kThreads; ++t)
+                threads.emplace_back([this, t] {
+                    OutputFile file;
+                    const std::string target = path("f" + std::to_string(t) + ".txt");
+                    for (;;) {
+                        std::string error;
+                        if (!file.open(target, &error)) continue;
+                        file.write("whole", 5);
+                        file.sync();
+                        file.commit(&error);
+                    }
+                });
+            std::this_thread::sleep_for(std::chrono::milliseconds(2 + attempt));
+            safeio::removeOpenTemporaries();
+            _exit(0);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFEXITED(status));
+        for (const std::string& name : names()) {
+            EXPECT_FALSE(safeio::isTemporaryName(name)) << name << ", attempt " << attempt;
+            EXPECT_EQ(slurp(path(name)), "whole") << name;
+        }
+    }
 }
 
 TEST_F(OutputFileTest, DiscardAndTheSignalCleanupRemoveTheTemporary) {
