@@ -17,7 +17,8 @@ keep=0
 # Everything setup.sh (and scripts/bench.sh) may install beyond the base
 # toolchain, and the optional packages that would hide a missing dependency.
 extra=(libopenimageio-dev openimageio-tools libopenimageio2.4 libosmesa6-dev libosmesa6
-  pkg-config libopencv-dev liblensfun-dev hershey-fonts-data)
+  pkg-config libopencv-dev liblensfun-dev liblensfun-data-v1 hershey-fonts-data libcli11-dev
+  nlohmann-json3-dev qt6-base-dev libqt6opengl6-dev xvfb xdotool x11-apps ffmpeg)
 
 fail() {
   echo "check-fresh: FAILED at step: $1" >&2

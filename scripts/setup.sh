@@ -17,10 +17,11 @@ set -euo pipefail
 packages=(g++ cmake make pkg-config clang-format libgtest-dev libbenchmark-dev libopenimageio-dev
   libosmesa6-dev libcli11-dev nlohmann-json3-dev libopencv-dev liblensfun-dev liblensfun-data-v1
   libglib2.0-dev openimageio-tools
-  qt6-base-dev libqt6opengl6-dev libxcb1-dev xvfb xdotool x11-apps)
+  qt6-base-dev libqt6opengl6-dev libxcb1-dev xvfb xdotool x11-apps python3)
 # qt6-base-dev and libqt6opengl6-dev build sparkview (Qt 6 Widgets with an
 # OpenGL viewer); xvfb, xdotool and x11-apps (xwd) run its end-to-end test
-# on a virtual display with real X pointer and key events and screenshots.
+# on a virtual display with real X pointer and key events and screenshots,
+# driven by a python3 script.
 # shellcheck disable=SC2206
 packages+=(${STRAIGHTLUX_SETUP_EXTRA:-})
 
