@@ -108,6 +108,7 @@ void Host::reset() {
     setupFiles = false;
     setupError.clear();
     messageSink = nullptr;
+    fileBrowserSink = nullptr;
     setupLoads = 0;
     setupSaves = 0;
     confirmSink = nullptr;

@@ -74,8 +74,13 @@ class Host {
     std::function<int(const std::string& question)> confirmSink;
     std::string workingDir = "/tmp";
     std::string fileBrowserChoice;  // handed to the browser's callback; empty: user cancels
-    float viewerRatio = 1.0f;       // sparkGetViewerRatio
-    float pixelAspect = 1.0f;       // SparkGraphInfoStruct.PixelAspectRatio
+    // When set, sparkFileBrowserDisplay asks this instead (a host that shows
+    // its file browser): the start folder or file and the extension shown;
+    // the file chosen, or empty when the user cancels.
+    std::function<std::string(const std::string& path, const std::string& extension)>
+        fileBrowserSink;
+    float viewerRatio = 1.0f;  // sparkGetViewerRatio
+    float pixelAspect = 1.0f;  // SparkGraphInfoStruct.PixelAspectRatio
     long graphicsMaxX = 1920, graphicsMaxY = 1200;
     std::string programName = "simhost";
     std::map<int, FrameBuffer> buffers;  // by id: 1 output, 2 first input clip

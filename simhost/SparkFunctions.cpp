@@ -144,10 +144,13 @@ void sparkCursorBusy(void) { simhost::note("sparkCursorBusy"); }
 void sparkFileBrowserDisplay(char* path, char* extension, void (*callback)(char* path)) {
     Host& h = host();
     simhost::note("sparkFileBrowserDisplay", path, extension);
-    if (h.fileBrowserChoice.empty() || !callback) return;
+    const std::string chosen = h.fileBrowserSink
+                                   ? h.fileBrowserSink(argText(path), argText(extension))
+                                   : h.fileBrowserChoice;
+    if (chosen.empty() || chosen.size() >= FILENAME_MAX || !callback) return;
     // The callback may write into the path it is given, as with the host's own buffer.
     std::vector<char> choice(FILENAME_MAX, '\0');
-    std::snprintf(choice.data(), choice.size(), "%s", h.fileBrowserChoice.c_str());
+    std::snprintf(choice.data(), choice.size(), "%s", chosen.c_str());
     callback(choice.data());
 }
 

@@ -52,6 +52,12 @@ MainWindow::MainWindow(const RunOptions& options, QWidget* parent)
     worker_->asker = [this](const QString& question) {
         return QMessageBox::question(this, kProgram, question) == QMessageBox::Yes;
     };
+    worker_->chooser = [this](const QString& path, const QString& extension) {
+        const QString filter = extension.isEmpty()
+                                   ? QString("All files (*)")
+                                   : QString("*%1 files (*%1);;All files (*)").arg(extension);
+        return QFileDialog::getOpenFileName(this, "Choose a file for the plug-in", path, filter);
+    };
     viewer_ = new ViewerWidget;
     slider_ = new FrameSlider;
     frameLabel_ = new QLabel("Frame -");

@@ -147,6 +147,21 @@ void SessionWorker::check(const RunStatus& status, bool fatal) {
     deliver([this, text, code, fatal] { emit failed(text, code, fatal); });
 }
 
+std::string SessionWorker::chooseFile(const std::string& path, const std::string& extension) {
+    auto answer = std::make_shared<std::promise<std::string>>();
+    std::future<std::string> future = answer->get_future();
+    const QString start = QString::fromStdString(path);
+    const QString kind = QString::fromStdString(extension);
+    deliver([this, start, kind, answer] {
+        answer->set_value(chooser ? chooser(start, kind).toStdString() : std::string());
+    });
+    while (future.wait_for(std::chrono::milliseconds(50)) != std::future_status::ready) {
+        std::lock_guard<std::mutex> lock(mutex_);
+        if (stopping_) return "";
+    }
+    return future.get();
+}
+
 int SessionWorker::confirm(const std::string& question) {
     auto answer = std::make_shared<std::promise<int>>();
     std::future<int> future = answer->get_future();
@@ -198,6 +213,9 @@ void SessionWorker::begin() {
         if (!status.ok()) return check(status, true);
         simhost::Host& host = simhost::Host::instance();
         host.confirmSink = [this](const std::string& question) { return confirm(question); };
+        host.fileBrowserSink = [this](const std::string& path, const std::string& extension) {
+            return chooseFile(path, extension);
+        };
         host.cursorSink = [this](int kind) { deliver([this, kind] { emit cursorChanged(kind); }); };
         describeControls();
         loaded_ = true;

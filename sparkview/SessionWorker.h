@@ -77,6 +77,10 @@ class SessionWorker : public QObject {
 
     const std::vector<ControlDescription>& descriptions() const { return descriptions_; }
     std::function<bool(const QString& question)> asker;
+    // The plug-in's file browser (sparkFileBrowserDisplay), shown on the
+    // interface thread: the start folder and the extension; the file chosen
+    // or empty when the user cancels.
+    std::function<QString(const QString& path, const QString& extension)> chooser;
 
   signals:
     void pluginLoaded();
@@ -106,6 +110,7 @@ class SessionWorker : public QObject {
     void check(const RunStatus& status, bool fatal = false);
     void deliver(std::function<void()> onInterface);
     int confirm(const std::string& question);
+    std::string chooseFile(const std::string& path, const std::string& extension);
     void describeControls();
 
     RunOptions options_;

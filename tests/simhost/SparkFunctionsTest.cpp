@@ -111,6 +111,20 @@ TEST(SimHostFunctions, AnswersFromScriptedState) {
     EXPECT_EQ(browserPath, "/data/keys.txt");
     EXPECT_EQ(host.fileBrowserChoice, "/data/keys.txt");
     EXPECT_TRUE(host.called("sparkFileBrowserDisplay(/tmp,aiff)"));
+    // A program that shows a browser answers instead; its cancel is empty.
+    std::string shown;
+    host.fileBrowserSink = [&shown](const std::string& path, const std::string& extension) {
+        shown = path + " " + extension;
+        return std::string(shown == "/home aiff" ? "/home/chosen.aiff" : "");
+    };
+    sparkFileBrowserDisplay(text("/home"), text("aiff"), browserChose);
+    EXPECT_EQ(shown, "/home aiff");
+    EXPECT_EQ(browserPath, "/home/chosen.aiff");
+    browserPath.clear();
+    sparkFileBrowserDisplay(text("/tmp"), text("txt"), browserChose);
+    EXPECT_EQ(browserPath, "");
+    host.reset();
+    EXPECT_FALSE(host.fileBrowserSink);
 }
 
 TEST(SimHostFunctions, DescribesFrameBuffers) {
